@@ -1,0 +1,33 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# How every target of this project is made, so that warnings, definitions and include paths are
+# stated once.
+
+add_library(plinthar_options INTERFACE)
+target_compile_features(plinthar_options INTERFACE cxx_std_20)
+target_compile_options(plinthar_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+target_compile_definitions(plinthar_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
+                                                      QT_NO_KEYWORDS)
+if(PLINTHAR_SANITIZE)
+  target_compile_options(plinthar_options INTERFACE -fsanitize=${PLINTHAR_SANITIZE}
+                                                    -fno-omit-frame-pointer)
+  target_link_options(plinthar_options INTERFACE -fsanitize=${PLINTHAR_SANITIZE})
+endif()
+
+# plinthar_library(NAME SOURCES ... LINK ...): one room of the program. What is linked is what may
+# be included: a logic target that does not link Qt Gui cannot see a widget.
+function(plinthar_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE plinthar_options)
+endfunction()
+
+# plinthar_test(NAME LINK ...): a Qt Test program made of NAME.cpp and run by CTest without a display.
+function(plinthar_test name)
+  cmake_parse_arguments(ARG "" "" "LINK;ARGUMENTS" ${ARGN})
+  add_executable(${name} ${name}.cpp)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} plinthar_test_support Qt6::Test plinthar_options)
+  add_test(NAME ${name} COMMAND ${name} ${ARG_ARGUMENTS})
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" TIMEOUT 300)
+endfunction()

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "model/Files.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+FileDescriptor::FileDescriptor(FileDescriptor &&other) noexcept
+    : m_fd(std::exchange(other.m_fd, -1))
+{
+}
+
+FileDescriptor &FileDescriptor::operator=(FileDescriptor &&other) noexcept
+{
+    std::swap(m_fd, other.m_fd);
+    return *this;
+}
+
+FileDescriptor::~FileDescriptor()
+{
+    if (m_fd >= 0)
+        ::close(m_fd);
+}
+
+namespace {
+
+bool isRegular(const FileDescriptor &file)
+{
+    struct stat info = {};
+    return file.isOpen() && ::fstat(file.get(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
+} // namespace
+
+FileDescriptor openRegularFile(const char *path)
+{
+    // Looked at before it is opened, since opening some devices already does something; and again
+    // afterwards, since another file may stand there by now. O_NONBLOCK covers the time between.
+    struct stat info = {};
+    if (::stat(path, &info) != 0 || !S_ISREG(info.st_mode))
+        return FileDescriptor();
+    FileDescriptor file(::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    return isRegular(file) ? std::move(file) : FileDescriptor();
+}
+
+qint64 readSome(const FileDescriptor &file, char *to, qint64 most)
+{
+    ssize_t count = 0;
+    do
+        count = ::read(file.get(), to, static_cast<size_t>(most));
+    while (count < 0 && errno == EINTR);
+    return count;
+}
+
+std::optional<QByteArray> readSmallFile(const QString &path, qint64 limit)
+{
+    const FileDescriptor file = openRegularFile(QFile::encodeName(path).constData());
+    struct stat info = {};
+    if (!file.isOpen() || ::fstat(file.get(), &info) != 0 || info.st_size > limit)
+        return std::nullopt;
+    QByteArray bytes;
+    char buffer[16384];
+    for (;;) {
+        const qint64 count = readSome(file, buffer, sizeof buffer);
+        if (count < 0 || bytes.size() + count > limit)
+            return std::nullopt;
+        if (count == 0)
+            return bytes;
+        bytes.append(buffer, count);
+    }
+}
+
+bool writeInPlace(const QString &path, const QByteArray &bytes)
+{
+    const FileDescriptor file(::open(QFile::encodeName(path).constData(),
+                                     O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666));
+    if (!isRegular(file) || ::ftruncate(file.get(), 0) != 0)
+        return false;
+    qsizetype done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count =
+            ::write(file.get(), bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        done += count;
+    }
+    return true;
+}

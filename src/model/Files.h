@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+/// A file descriptor that is closed with its owner.
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int fd = -1) : m_fd(fd) {}
+    FileDescriptor(FileDescriptor &&other) noexcept;
+    FileDescriptor &operator=(FileDescriptor &&other) noexcept;
+    ~FileDescriptor();
+
+    bool isOpen() const { return m_fd >= 0; }
+    int get() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+/// Opens a file for reading if it is a regular file (or a link to one). A FIFO, socket, device or
+/// folder is never opened, so that it can neither block the caller nor be disturbed by it.
+FileDescriptor openRegularFile(const char *path);
+
+/// read() that is repeated when a signal interrupts it: bytes read, 0 at the end, -1 on an error.
+qint64 readSome(const FileDescriptor &file, char *to, qint64 most);
+
+/// The whole of a small regular file; nothing when it cannot be read or is larger than `limit`.
+std::optional<QByteArray> readSmallFile(const QString &path, qint64 limit);
+
+/// Replaces a regular file's content in place, making the file if it is missing. False when that
+/// fails; what was written until then stays.
+bool writeInPlace(const QString &path, const QByteArray &bytes);

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "model/Session.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <simdjson.h>
+
+#include <optional>
+#include <string_view>
+
+/// Makes a Session out of the lines of its log, one line after the other.
+class SessionBuilder {
+public:
+    /// `now` dates a usage record when neither its line nor any line before it has a time.
+    explicit SessionBuilder(TimePoint now) : m_now(now) {}
+
+    /// Takes the next line of the log.
+    void add(const simdjson::dom::object &line);
+
+    /// The session, or nothing when no line had a usable timestamp. Empties the builder.
+    std::optional<Session> finish(const QString &id);
+
+private:
+    std::optional<TimePoint> addTime(std::optional<std::string_view> timestamp);
+    void addTurn(const simdjson::dom::object &message);
+    void addUsage(const simdjson::dom::object &message, std::optional<TimePoint> date);
+    void store(UsageRecord &&record, std::optional<std::string_view> messageId);
+    QString shared(std::string_view model);
+
+    TimePoint m_now;
+    std::optional<TimePoint> m_start;
+    std::optional<TimePoint> m_end;
+    QString m_firstPrompt;
+    qint64 m_turns = 0;
+    QHash<QByteArray, qsizetype> m_placeOfId; // where in m_withId a message's record stands
+    QList<UsageRecord> m_withId;
+    QList<UsageRecord> m_withoutId;
+    QList<QString> m_models; // names met so far: the records of a session share a few strings
+};

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "model/JsonLineParser.h"
+#include "model/LineReader.h"
+#include "model/Session.h"
+
+#include <QString>
+
+#include <filesystem>
+#include <optional>
+#include <stop_token>
+
+/// Reads session logs one after the other with the same buffers. One reader belongs to one thread.
+class SessionReader {
+public:
+    explicit SessionReader(qint64 chunk = LineReader::defaultChunk) : m_lines(chunk) {}
+
+    /// As SessionParser::parse(). Gives up with nothing as soon as `stop` is requested.
+    std::optional<Session> read(const std::filesystem::path &file, TimePoint now,
+                                const std::stop_token &stop = {});
+
+private:
+    LineReader m_lines;
+    JsonLineParser m_json;
+};
+
+/// Session logs of Claude Code: text files with one JSON object per line.
+namespace SessionParser {
+
+/// The session in a log; nothing when the log cannot be read or holds no usable timestamp. A line
+/// that is not a JSON object is skipped. `now` dates usage before any timestamp.
+std::optional<Session> parse(const std::filesystem::path &file, TimePoint now = currentTime());
+
+/// The working folder that a log names in its first 256 KiB; nothing when it names none there.
+std::optional<QString> cwd(const std::filesystem::path &in);
+
+} // namespace SessionParser

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "model/Files.h"
+
+#include "support/SpecialFiles.h"
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+QByteArray encoded(const QString &path)
+{
+    return QFile::encodeName(path);
+}
+
+ino_t inode(const QString &path)
+{
+    struct stat info = {};
+    return ::stat(encoded(path).constData(), &info) == 0 ? info.st_ino : 0;
+}
+
+bool isOpen(int fd)
+{
+    return ::fcntl(fd, F_GETFD) != -1;
+}
+
+void addSpecialFileRows()
+{
+    QTest::addColumn<QString>("name");
+    for (const QString &name : specialFiles())
+        QTest::newRow(qPrintable(name)) << name;
+}
+
+} // namespace
+
+class FilesTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void opensRegularFilesAndLinksToThem();
+    void opensNothingElse_data();
+    void opensNothingElse();
+    void opensNothingItMayNotRead();
+    void closesWithItsOwner();
+    void readsWhole();
+    void readsAnEmptyFileAsEmptyText();
+    void readsWhatHasNoSizeBeforehand();
+    void limitIsTheLargestSize();
+    void limitHoldsForWhatHasNoSizeBeforehand();
+    void readsNothingElse_data();
+    void readsNothingElse();
+    void writesANewFile();
+    void replacesInPlace();
+    void writesThroughALink();
+    void writesIntoNothingElse_data();
+    void writesIntoNothingElse();
+    void disturbsNoReaderOfAFifo();
+    void writeFailsWithoutTheFolder();
+    void writeFailsWithoutPermission();
+
+private:
+    QString path(const QString &name) const { return m_home->path(name); }
+
+    std::unique_ptr<PrivateHome> m_home;
+};
+
+void FilesTest::init()
+{
+    m_home.reset();
+    m_home = std::make_unique<PrivateHome>();
+    makeSpecialFiles(m_home->path(), QString());
+    writeFile(path(u"file"_qs), "text");
+    QVERIFY(QFile::link(path(u"file"_qs), path(u"link"_qs)));
+}
+
+void FilesTest::opensRegularFilesAndLinksToThem()
+{
+    QVERIFY(openRegularFile(encoded(path(u"file"_qs))).isOpen());
+    QVERIFY(openRegularFile(encoded(path(u"link"_qs))).isOpen());
+}
+
+void FilesTest::opensNothingElse_data()
+{
+    addSpecialFileRows();
+    QTest::newRow("missing") << u"missing"_qs;
+    QTest::newRow("below a file") << u"file/x"_qs;
+    QTest::newRow("name too long") << QString(300, u'x');
+}
+
+void FilesTest::opensNothingElse()
+{
+    QFETCH(QString, name);
+    const bool regular = name == u"failing"; // it only fails when it is read
+    QCOMPARE(openRegularFile(encoded(path(name))).isOpen(), regular);
+}
+
+void FilesTest::opensNothingItMayNotRead()
+{
+    QFile::setPermissions(path(u"file"_qs), {});
+    const Unprivileged meanwhile;
+    QVERIFY(!openRegularFile(encoded(path(u"file"_qs))).isOpen());
+}
+
+void FilesTest::closesWithItsOwner()
+{
+    int fd = -1;
+    {
+        FileDescriptor file = openRegularFile(encoded(path(u"file"_qs)));
+        fd = file.get();
+        QVERIFY(isOpen(fd));
+        FileDescriptor moved(std::move(file));
+        QCOMPARE(moved.get(), fd);
+        FileDescriptor assigned;
+        assigned = std::move(moved);
+        QCOMPARE(assigned.get(), fd);
+        QVERIFY(isOpen(fd));
+    }
+    QVERIFY(!isOpen(fd));
+}
+
+void FilesTest::readsWhole()
+{
+    const QByteArray bytes = QByteArray("0123456789\n\0", 12).repeated(10'000);
+    writeFile(path(u"file"_qs), bytes);
+    QVERIFY(readSmallFile(path(u"file"_qs), bytes.size() * 2) == bytes);
+}
+
+void FilesTest::readsAnEmptyFileAsEmptyText()
+{
+    writeFile(path(u"file"_qs), "");
+    const auto bytes = readSmallFile(path(u"file"_qs), 10);
+    QVERIFY(bytes);
+    QVERIFY(bytes->isEmpty());
+}
+
+void FilesTest::readsWhatHasNoSizeBeforehand()
+{
+    const auto bytes = readSmallFile(u"/proc/self/status"_qs, 1'000'000);
+    QVERIFY(bytes);
+    QVERIFY(bytes->contains("FilesTest"));
+}
+
+void FilesTest::limitIsTheLargestSize()
+{
+    QCOMPARE(readSmallFile(path(u"file"_qs), 4).value_or("nothing"), QByteArray("text"));
+    QVERIFY(!readSmallFile(path(u"file"_qs), 3));
+}
+
+void FilesTest::limitHoldsForWhatHasNoSizeBeforehand()
+{
+    QVERIFY(!readSmallFile(u"/proc/self/status"_qs, 10));
+}
+
+void FilesTest::readsNothingElse_data()
+{
+    opensNothingElse_data();
+}
+
+void FilesTest::readsNothingElse()
+{
+    QFETCH(QString, name);
+    QVERIFY(!readSmallFile(path(name), 1'000'000));
+}
+
+void FilesTest::writesANewFile()
+{
+    QVERIFY(writeInPlace(path(u"new"_qs), "content"));
+    QCOMPARE(readFile(path(u"new"_qs)), QByteArray("content"));
+}
+
+void FilesTest::replacesInPlace()
+{
+    const ino_t before = inode(path(u"file"_qs));
+    QFile::setPermissions(path(u"file"_qs), QFile::ReadOwner | QFile::WriteOwner);
+    const QFile::Permissions permissions = QFile::permissions(path(u"file"_qs));
+    for (const QByteArray content : {"something longer than before", "short", ""}) {
+        QVERIFY(writeInPlace(path(u"file"_qs), content));
+        QCOMPARE(readFile(path(u"file"_qs)), content);
+    }
+    QCOMPARE(inode(path(u"file"_qs)), before);
+    QCOMPARE(QFile::permissions(path(u"file"_qs)), permissions);
+}
+
+void FilesTest::writesThroughALink()
+{
+    QVERIFY(writeInPlace(path(u"link"_qs), "through"));
+    QVERIFY(QFileInfo(path(u"link"_qs)).isSymLink());
+    QCOMPARE(readFile(path(u"file"_qs)), QByteArray("through"));
+}
+
+void FilesTest::writesIntoNothingElse_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const QString &name : {u"fifo"_qs, u"socket"_qs, u"device"_qs, u"folder"_qs, u"loop"_qs})
+        QTest::newRow(qPrintable(name)) << name;
+}
+
+void FilesTest::writesIntoNothingElse()
+{
+    QFETCH(QString, name);
+    QVERIFY(!writeInPlace(path(name), "content"));
+}
+
+void FilesTest::disturbsNoReaderOfAFifo()
+{
+    const FileDescriptor reader(
+        ::open(encoded(path(u"fifo"_qs)).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    QVERIFY(reader.isOpen());
+    QVERIFY(!writeInPlace(path(u"fifo"_qs), "content"));
+    char byte = 0;
+    QCOMPARE(readSome(reader, &byte, 1), 0); // the end, and nothing before it
+}
+
+void FilesTest::writeFailsWithoutTheFolder()
+{
+    QVERIFY(!writeInPlace(path(u"missing/file"_qs), "content"));
+    QVERIFY(!QFileInfo::exists(path(u"missing"_qs)));
+}
+
+void FilesTest::writeFailsWithoutPermission()
+{
+    QFile::setPermissions(path(u"file"_qs), QFile::ReadOwner);
+    {
+        const Unprivileged meanwhile;
+        QVERIFY(!writeInPlace(path(u"file"_qs), "content"));
+    }
+    QCOMPARE(readFile(path(u"file"_qs)), QByteArray("text"));
+}
+
+PLINTHAR_TEST_MAIN(FilesTest)
+#include "FilesTest.moc"

@@ -1,0 +1,279 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Runs scripts/run and scripts/test in a scratch checkout where every tool they call is a stub that
+# writes down its arguments: nothing is installed and nothing is built.
+set -euo pipefail
+
+source_root=$(realpath -- "$(dirname -- "${BASH_SOURCE[0]}")/../..")
+scratch=$(realpath -- "$(mktemp -d)")
+trap 'rm -rf -- "$scratch"' EXIT
+failures=0
+
+# stub NAME [BODY]: a program that records its call and then does BODY.
+# shellcheck disable=SC2016 # the program expands these
+stub() {
+    printf '#!%s\nprintf "%%s\\n" "%s${*:+ $*}" >>"%s"\n%s\n' \
+        "$BASH" "$1" "$scratch/calls" "${2:-}" >"$scratch/bin/$1"
+    chmod +x "$scratch/bin/$1"
+}
+
+# A system like Debian, with root's rights, on which everything listed is installed.
+set_up() {
+    local tool
+    rm -rf -- "${scratch:?}"/*
+    mkdir "$scratch/bin" "$scratch/checkout" "$scratch/elsewhere"
+    cp -R -- "$source_root/scripts" "$scratch/checkout"
+    for tool in bash comm dirname env mkdir realpath sed sort; do
+        ln -s -- "$(command -v "$tool")" "$scratch/bin/$tool"
+    done
+    # shellcheck disable=SC2016 # the stubs expand these when they run
+    {
+        stub dpkg-query 'while read -r line; do echo "$line"; done <'"$scratch/installed"
+        stub id 'echo 0'
+        stub sudo '"$@"'
+        stub apt-get 'echo chatter; echo more chatter >&2'
+        stub ctest 'echo closing line'
+        # Configuring makes the folder; building makes the program.
+        stub cmake 'case $1 in
+            -S) mkdir -p "$2/build/$4" ;;
+            --build)
+                mkdir -p "$2/bin"
+                printf "#!%s\necho the window\n" "$BASH" >"$2/bin/plinthar"
+                command -p chmod +x "$2/bin/plinthar" ;;
+            esac'
+    }
+    printf '%s\n' alpha 'g++' gamma-dev >"$scratch/checkout/scripts/packages"
+    printf 'installed %s\n' alpha 'g++' gamma-dev unlisted >"$scratch/installed"
+}
+
+# call [NAME=VALUE...] SCRIPT [ARGUMENT...]: leaves its status, out and err, and the calls it made
+# of tools that change something.
+call() {
+    local environment=()
+    while [[ $1 == *=* ]]; do
+        environment+=("$1")
+        shift
+    done
+    : >"$scratch/calls"
+    status=0
+    (cd -- "$scratch/elsewhere" &&
+        env -i PATH="$scratch/bin" "${environment[@]}" "../checkout/scripts/$1" "${@:2}") \
+        >"$scratch/out" 2>"$scratch/err" </dev/null || status=$?
+    out=$(<"$scratch/out")
+    err=$(<"$scratch/err")
+    calls=$(sed "s|$scratch/||g; /^dpkg-query/d; /^id/d" "$scratch/calls")
+}
+
+# expect WHAT ACTUAL EXPECTED
+expect() {
+    [[ $2 == "$3" ]] && return
+    printf '%s: %s\n  is:       %s\n  expected: %s\n' "${case#case_}" "$1" "${2//$'\n'/$'\n            '}" \
+        "${3//$'\n'/$'\n            '}"
+    failures=$((failures + 1))
+}
+
+# expect_part WHAT ACTUAL PART: ACTUAL holds PART somewhere.
+expect_part() {
+    [[ $2 == *"$3"* ]] && return
+    expect "$1" "$2" "... $3 ..."
+}
+
+configured_dev='cmake -S checkout --preset dev -DPLINTHAR_REAL_LOGS='
+as_usual=' -DCMAKE_COMPILE_WARNING_AS_ERROR='
+built_dev='cmake --build checkout/build/dev
+ctest --preset dev'
+
+case_no_display_stops_run_at_once() {
+    rm "$scratch/installed"
+    call run
+    expect status "$status" 1
+    expect output "$out" ''
+    expect lines "$(wc -l <"$scratch/err")" 1
+    expect_part message "$err" DISPLAY
+    expect calls "$(<"$scratch/calls")" ''
+    expect 'build folder' "$(find "$scratch/checkout" -name build)" ''
+}
+
+case_run_builds_the_program_and_opens_it() {
+    local display
+    for display in DISPLAY=:0 WAYLAND_DISPLAY=wayland-0; do
+        rm -rf "$scratch/checkout/build"
+        call "$display" run
+        expect "$display: status" "$status" 0
+        expect "$display: output" "$out" 'the window'
+        expect "$display: calls" "$calls" \
+            "cmake -S checkout --preset release$as_usual
+cmake --build checkout/build/release --target plinthar"
+    done
+}
+
+case_test_builds_everything_and_runs_ctest() {
+    call test
+    expect status "$status" 0
+    expect output "$out" 'closing line'
+    expect calls "$calls" "$configured_dev$as_usual"$'\n'"$built_dev"
+}
+
+case_test_passes_its_arguments_on() {
+    call test -R 'Store|two words'
+    expect_part calls "$calls" 'ctest --preset dev -R Store|two words'
+}
+
+case_test_fails_when_ctest_fails() {
+    stub ctest 'exit 8'
+    call test
+    expect status "$status" 8
+}
+
+case_a_failed_build_ends_it() {
+    # shellcheck disable=SC2016
+    stub cmake 'if [[ $1 == --build ]]; then exit 3; else mkdir -p "$2/build/$4"; fi'
+    call test
+    expect status "$status" 3
+    expect calls "$calls" "$configured_dev$as_usual"$'\n''cmake --build checkout/build/dev'
+}
+
+case_second_call_does_not_configure() {
+    call test
+    call test
+    expect status "$status" 0
+    expect calls "$calls" "$built_dev"
+}
+
+case_a_failed_configuration_is_tried_again() {
+    local cmake
+    cmake=$(<"$scratch/bin/cmake")
+    stub cmake 'exit 3'
+    call test
+    expect status "$status" 3
+    printf '%s\n' "$cmake" >"$scratch/bin/cmake"
+    call test
+    expect calls "$calls" "$configured_dev$as_usual"$'\n'"$built_dev"
+}
+
+case_changed_presets_or_settings_configure_again() {
+    call test
+    touch -d tomorrow "$scratch/checkout/CMakePresets.json"
+    call test
+    expect 'after the presets changed' "$calls" "$configured_dev$as_usual"$'\n'"$built_dev"
+
+    rm "$scratch/checkout/CMakePresets.json"
+    call CI=true test
+    expect 'with CI set' "$calls" "$configured_dev${as_usual}ON"$'\n'"$built_dev"
+    call test
+    expect 'with CI unset again' "$calls" "$configured_dev$as_usual"$'\n'"$built_dev"
+}
+
+case_real_logs_are_found_from_the_callers_folder() {
+    mkdir "$scratch/elsewhere/logs"
+    call PLINTHAR_REAL_LOGS=logs test
+    expect_part calls "$calls" "${configured_dev}elsewhere/logs"
+}
+
+case_nothing_missing_leaves_apt_alone() {
+    call test
+    expect status "$status" 0
+    expect 'calls of apt-get' "$(grep apt-get "$scratch/calls")" ''
+}
+
+case_nothing_missing_needs_no_apt() {
+    rm "$scratch/bin/apt-get"
+    call test
+    expect status "$status" 0
+    expect output "$out" 'closing line'
+}
+
+case_the_list_may_hold_comments_and_blank_lines() {
+    printf '%s\n' '# heading' '' alpha '   ' '  # indented' 'g++   # why' $'\tgamma-dev' \
+        'alpine#close' >"$scratch/checkout/scripts/packages"
+    printf 'no-newline' >>"$scratch/checkout/scripts/packages"
+    : >"$scratch/installed"
+    call test
+    expect_part calls "$calls" ' alpha alpine g++ gamma-dev no-newline'
+}
+
+case_root_installs_only_what_is_missing() {
+    printf '%s\n' 'installed alpha' 'config-files g++' >"$scratch/installed"
+    call test
+    expect status "$status" 0
+    expect output "$out" $'Installing g++ gamma-dev\nclosing line'
+    expect errors "$err" ''
+    expect calls "$calls" \
+        "apt-get -o DPkg::Lock::Timeout=120 update
+apt-get -o DPkg::Lock::Timeout=120 install --yes --no-install-recommends g++ gamma-dev
+$configured_dev$as_usual
+$built_dev"
+}
+
+case_others_install_with_sudo() {
+    stub id 'echo 1000'
+    echo 'installed alpha' >"$scratch/installed"
+    call test
+    expect status "$status" 0
+    expect_part calls "$calls" "sudo env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=120 \
+install --yes --no-install-recommends g++ gamma-dev"
+}
+
+# stops_with MESSAGE: the script names what is missing and has built nothing.
+stops_with() {
+    expect status "$status" 1
+    expect_part message "$err" "$1"
+    expect calls "$calls" ''
+}
+
+case_without_root_and_sudo_it_stops() {
+    stub id 'echo 1000'
+    rm "$scratch/bin/sudo"
+    echo 'installed alpha' >"$scratch/installed"
+    call test
+    stops_with 'Missing packages: g++ gamma-dev'
+}
+
+case_without_apt_it_names_what_is_missing() {
+    rm "$scratch/bin/apt-get"
+    echo 'installed alpha' >"$scratch/installed"
+    call DISPLAY=:0 run
+    stops_with 'Missing packages (their names in Debian): g++ gamma-dev'
+}
+
+case_without_dpkg_it_names_the_whole_list() {
+    rm "$scratch/bin/apt-get" "$scratch/bin/dpkg-query"
+    call test
+    stops_with 'Missing packages (their names in Debian): alpha g++ gamma-dev'
+}
+
+case_a_failed_installation_ends_it() {
+    # shellcheck disable=SC2016
+    stub apt-get 'if [[ $* == *install* ]]; then echo the reason; exit 100; fi'
+    : >"$scratch/installed"
+    call test
+    expect status "$status" 100
+    expect errors "$err" 'the reason'
+    expect 'calls of cmake' "$(grep ^cmake "$scratch/calls")" ''
+}
+
+case_a_failed_update_is_shown_and_survived() {
+    # shellcheck disable=SC2016
+    stub apt-get 'if [[ $* == *update* ]]; then echo unreachable; exit 100; fi'
+    : >"$scratch/installed"
+    call test
+    expect status "$status" 0
+    expect_part errors "$err" unreachable
+    expect output "${out##*$'\n'}" 'closing line'
+}
+
+case_the_list_names_each_package_once() {
+    local names
+    names=$(sed 's/#.*//; s/[[:space:]]*$//; /^$/d' "$source_root/scripts/packages")
+    expect 'lines that are no package name' "$(grep -vE '^[a-z0-9][a-z0-9+.-]+$' <<<"$names")" ''
+    expect duplicates "$(sort <<<"$names" | uniq -d)" ''
+    expect_part list "$names" 'g++'
+}
+
+mapfile -t cases < <(compgen -A function case_)
+for case in "${cases[@]}"; do
+    set_up
+    "$case"
+done
+printf '%d cases, %d failures\n' "${#cases[@]}" "$failures"
+((failures == 0))
