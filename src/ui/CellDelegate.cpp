@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/CellDelegate.h"
+
+#include "ui/Colors.h"
+#include "ui/ToolTips.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace {
+
+QPalette::ColorGroup colorGroup(const QStyleOptionViewItem &option)
+{
+    if (!(option.state & QStyle::State_Enabled))
+        return QPalette::Disabled;
+    return option.state & QStyle::State_Active ? QPalette::Active : QPalette::Inactive;
+}
+
+constexpr int padding = 6;
+constexpr int firstPadding = 10;
+
+} // namespace
+
+QRect CellDelegate::textPlace(const QRect &cell, int column)
+{
+    return cell.adjusted(column == 0 ? firstPadding : padding, 0, -padding, 0);
+}
+
+void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                         const QModelIndex &index) const
+{
+    QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
+    cell.text.clear(); // the style paints the rest: background, selection, focus
+    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+
+    const bool selected = cell.state & QStyle::State_Selected;
+    painter->save();
+    if (!selected) {
+        painter->setPen(Colors::separator(cell.palette));
+        painter->drawLine(cell.rect.bottomLeft(), cell.rect.bottomRight());
+    }
+    painter->setFont(cell.font);
+    painter->setPen(cell.palette.color(colorGroup(cell),
+                                       selected ? QPalette::HighlightedText : QPalette::Text));
+    paintText(painter, textPlace(cell.rect, index.column()), index);
+    painter->restore();
+}
+
+bool CellDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
+                             const QStyleOptionViewItem &option, const QModelIndex &index)
+{
+    if (event->type() != QEvent::ToolTip || index.data(Qt::ToolTipRole).isValid())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    const QString text = index.data().toString();
+    const bool cut = view->fontMetrics().horizontalAdvance(text) >
+                     textPlace(option.rect, index.column()).width();
+    QToolTip::showText(event->globalPos(), cut ? plainToolTip(text) : QString(), view);
+    return true;
+}
+
+void CellDelegate::paintText(QPainter *painter, const QRect &place, const QModelIndex &index) const
+{
+    const QString text = index.data().toString();
+    painter->drawText(place, index.data(Qt::TextAlignmentRole).toInt() | int(Qt::TextSingleLine),
+                      painter->fontMetrics().elidedText(text, Qt::ElideRight, place.width()));
+}

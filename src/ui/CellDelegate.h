@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QStyledItemDelegate>
+
+/// Paints the cells of the program's tables: with room on both sides, a hairline between rows, and
+/// the whole text in a tooltip where it had to be shortened.
+class CellDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+public:
+    /// Where the text of a cell or of a column's title stands. The first column is in line with the
+    /// text above the table.
+    static QRect textPlace(const QRect &cell, int column);
+
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const final;
+    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override;
+
+protected:
+    /// Paints the text into its place. Pen and font are set.
+    virtual void paintText(QPainter *painter, const QRect &place, const QModelIndex &index) const;
+};

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/Colors.h"
+
+namespace {
+
+QColor mixed(const QColor &a, const QColor &b, float shareOfA)
+{
+    const auto mix = [shareOfA](float x, float y) { return x * shareOfA + y * (1 - shareOfA); };
+    return QColor::fromRgbF(mix(a.redF(), b.redF()), mix(a.greenF(), b.greenF()),
+                            mix(a.blueF(), b.blueF()));
+}
+
+} // namespace
+
+namespace Colors {
+
+QColor secondaryText(const QPalette &palette, QPalette::ColorRole text,
+                     QPalette::ColorRole background)
+{
+    // Two thirds keep a contrast of at least 4.5 to 1 with black on white and white on black.
+    return mixed(palette.color(text), palette.color(background), 0.66F);
+}
+
+QColor hue(Hue hue, const QPalette &palette)
+{
+    const bool dark = palette.color(QPalette::Base).lightnessF() < 0.5F;
+    switch (hue) {
+    case Hue::Blue:
+        return dark ? QColor(0x6c, 0xb0, 0xff) : QColor(0x0a, 0x60, 0xc8);
+    case Hue::Orange:
+        return dark ? QColor(0xff, 0xae, 0x57) : QColor(0xa8, 0x4c, 0x00);
+    case Hue::Green:
+        return dark ? QColor(0x6c, 0xd4, 0x87) : QColor(0x1c, 0x72, 0x30);
+    case Hue::Red:
+        return dark ? QColor(0xff, 0x8a, 0x80) : QColor(0xbe, 0x28, 0x20);
+    }
+    Q_UNREACHABLE();
+}
+
+QColor separator(const QPalette &palette)
+{
+    return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.12F);
+}
+
+} // namespace Colors

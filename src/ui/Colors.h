@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+
+/// The one place for colours. All of them come from the palette, so that light, dark and
+/// high-contrast palettes work without being told apart.
+namespace Colors {
+
+/// For text that comes second: the palette's text colour, moved towards its background.
+QColor secondaryText(const QPalette &palette, QPalette::ColorRole text = QPalette::WindowText,
+                     QPalette::ColorRole background = QPalette::Window);
+
+/// The colours that mean something. Text and fills use the same.
+enum class Hue { Blue, Orange, Green, Red };
+
+/// A hue as it is readable on the palette's window and base colours, be they light or dark.
+QColor hue(Hue hue, const QPalette &palette);
+
+/// For hairlines between the areas of a screen.
+QColor separator(const QPalette &palette);
+
+} // namespace Colors

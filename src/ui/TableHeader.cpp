@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/TableHeader.h"
+
+#include "ui/CellDelegate.h"
+#include "ui/Colors.h"
+#include "ui/Fonts.h"
+
+#include <QEvent>
+#include <QPainter>
+
+TableHeader::TableHeader(QWidget *parent) : QHeaderView(Qt::Horizontal, parent)
+{
+    setFont(textFont(TextStyle::Caption, true));
+    setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    setMinimumSectionSize(40);
+}
+
+bool TableHeader::event(QEvent *event)
+{
+    if (event->type() == QEvent::ApplicationFontChange)
+        setFont(textFont(TextStyle::Caption, true));
+    return QHeaderView::event(event);
+}
+
+void TableHeader::paintSection(QPainter *painter, const QRect &rect, int section) const
+{
+    const QVariant alignment = model()->headerData(section, Qt::Horizontal, Qt::TextAlignmentRole);
+    const int flags = alignment.isValid() ? alignment.toInt() : int(defaultAlignment());
+    const QRect place = CellDelegate::textPlace(rect, section);
+    painter->fillRect(rect, palette().color(QPalette::Base));
+    painter->setPen(Colors::separator(palette()));
+    painter->drawLine(rect.bottomLeft(), rect.bottomRight());
+    painter->setFont(font());
+    painter->setPen(Colors::secondaryText(palette(), QPalette::Text, QPalette::Base));
+    painter->drawText(place, flags | int(Qt::TextSingleLine),
+                      fontMetrics().elidedText(title(section), Qt::ElideRight, place.width()));
+}
+
+QSize TableHeader::sectionSizeFromContents(int section) const
+{
+    constexpr int verticalPadding = 6;
+    const int text = fontMetrics().horizontalAdvance(title(section));
+    const int padding = 100 - CellDelegate::textPlace(QRect(0, 0, 100, 0), section).width();
+    return {text + padding, fontMetrics().height() + 2 * verticalPadding};
+}
+
+QString TableHeader::title(int section) const
+{
+    return model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
+}

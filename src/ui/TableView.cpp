@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/TableView.h"
+
+#include "ui/CellDelegate.h"
+#include "ui/TableHeader.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QScrollBar>
+
+#include <algorithm>
+
+TableView::TableView(QWidget *parent) : QTableView(parent)
+{
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false); // Tab leaves the table; the arrow keys walk in it
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalHeader(new TableHeader(this));
+    setItemDelegate(new CellDelegate(this));
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, &TableView::keepMinimum);
+}
+
+void TableView::setModel(QAbstractItemModel *model)
+{
+    QTableView::setModel(model);
+    connect(model, &QAbstractItemModel::rowsAboutToBeInserted, this, &TableView::rememberTop);
+    connect(model, &QAbstractItemModel::rowsAboutToBeRemoved, this, &TableView::rememberTop);
+    connect(model, &QAbstractItemModel::rowsInserted, this, &TableView::restoreTop);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, &TableView::restoreTop);
+    connect(model, &QAbstractItemModel::rowsInserted, this, &TableView::ensureCurrent);
+    connect(model, &QAbstractItemModel::modelReset, this, &TableView::ensureCurrent);
+    ensureCurrent();
+}
+
+void TableView::setFixedColumn(int column, int width)
+{
+    horizontalHeader()->resizeSection(column,
+                                      qMax(width, horizontalHeader()->sectionSizeHint(column)));
+}
+
+void TableView::setResizableColumn(int column, int minimum, int width)
+{
+    m_minimumWidths[column] = qMax(minimum, horizontalHeader()->sectionSizeHint(column));
+    horizontalHeader()->setSectionResizeMode(column, QHeaderView::Interactive);
+    setFixedColumn(column, width);
+}
+
+void TableView::setFlexibleColumn(int column, int minimum)
+{
+    m_minimumWidths[column] = minimum;
+    m_flexibleColumn = column;
+    stretch();
+}
+
+QString TableView::selectedText() const
+{
+    QModelIndexList rows = selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end());
+    QString text;
+    for (const QModelIndex &row : rows) {
+        QStringList cells;
+        for (int column = 0; column < model()->columnCount(); ++column)
+            cells.append(row.siblingAtColumn(column).data().toString().simplified());
+        text += cells.join(u'\t') + u'\n';
+    }
+    return text;
+}
+
+void TableView::keyPressEvent(QKeyEvent *event)
+{
+    if (!event->matches(QKeySequence::Copy))
+        return QTableView::keyPressEvent(event);
+    if (selectionModel()->hasSelection())
+        QGuiApplication::clipboard()->setText(selectedText());
+}
+
+void TableView::resizeEvent(QResizeEvent *event)
+{
+    QTableView::resizeEvent(event);
+    stretch();
+}
+
+void TableView::keepMinimum(int column, int, int width)
+{
+    const int minimum = m_minimumWidths.value(column);
+    if (width < minimum)
+        horizontalHeader()->resizeSection(column, minimum);
+    else if (column != m_flexibleColumn)
+        stretch();
+}
+
+void TableView::stretch()
+{
+    if (m_flexibleColumn < 0)
+        return;
+    QHeaderView *header = horizontalHeader();
+    const int others = header->length() - header->sectionSize(m_flexibleColumn);
+    header->resizeSection(m_flexibleColumn, qMax(m_minimumWidths.value(m_flexibleColumn),
+                                                 viewport()->width() - others));
+}
+
+/// At the very top new rows may push the others down: there, the newest is what one wants to see.
+void TableView::rememberTop()
+{
+    const bool atTop = verticalScrollBar()->value() == 0;
+    m_top = atTop ? QPersistentModelIndex() : QPersistentModelIndex(indexAt(QPoint(0, 0)));
+}
+
+void TableView::restoreTop()
+{
+    if (!m_top.isValid())
+        return;
+    updateGeometries(); // the scroll bar does not know the new rows yet
+    verticalScrollBar()->setValue(m_top.row());
+}
+
+void TableView::ensureCurrent()
+{
+    if (!currentIndex().isValid() && model()->rowCount() > 0)
+        selectionModel()->setCurrentIndex(model()->index(0, 0), QItemSelectionModel::NoUpdate);
+}

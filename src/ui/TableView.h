@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QHash>
+#include <QPersistentModelIndex>
+#include <QTableView>
+
+/// A table of records: whole rows are selected, all rows are equally high, rows that come and go
+/// above do not move what is seen, and copying puts the selected rows on the clipboard,
+/// tab-separated.
+class TableView : public QTableView {
+    Q_OBJECT
+public:
+    explicit TableView(QWidget *parent = nullptr);
+
+    /// Also gives the table a current cell as soon as it has rows: without one, Qt 6.4 is reported
+    /// to crash under a screen reader.
+    void setModel(QAbstractItemModel *model) override;
+
+    /// Gives a column its width. All widths are at least what the column's title needs.
+    void setFixedColumn(int column, int width);
+    /// The same for a column that the user may resize, down to `minimum`.
+    void setResizableColumn(int column, int minimum, int width);
+    /// Lets one column take the width that the others leave, but no less than `minimum`.
+    void setFlexibleColumn(int column, int minimum);
+
+    /// The selected rows as text: cells separated by tabs, rows by line feeds. A tab or line break
+    /// inside a cell becomes a blank.
+    QString selectedText() const;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void keepMinimum(int column, int oldWidth, int width);
+    void stretch();
+    void ensureCurrent();
+    void rememberTop();
+    void restoreTop();
+
+    QHash<int, int> m_minimumWidths; // by column
+    int m_flexibleColumn = -1;
+    QPersistentModelIndex m_top; // the first row that is seen, while rows come and go
+};

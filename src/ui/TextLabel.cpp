@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/TextLabel.h"
+
+#include "ui/Colors.h"
+#include "ui/ToolTips.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QTextLayout>
+#include <QToolTip>
+
+namespace {
+
+/// Lays the text out in lines of that width and gives the size they take.
+QSizeF layOut(QTextLayout &layout, int width, Qt::Alignment alignment)
+{
+    QTextOption option(alignment);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    qreal height = 0;
+    qreal widest = 0;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        line.setPosition(QPointF(0, height));
+        height += line.height();
+        widest = qMax(widest, line.naturalTextWidth());
+    }
+    layout.endLayout();
+    return {widest, height};
+}
+
+} // namespace
+
+TextLabel::TextLabel(const QString &text, const Style &style, QWidget *parent)
+    : QLabel(text, parent)
+    , m_style(style)
+{
+    setTextFormat(Qt::PlainText);
+    setFont(textFont(style.size, style.bold));
+    setWordWrap(wraps()); // also what makes QLabel keep to heightForWidth()
+    // Fixed would hold wrapped text to the height it has at its widest.
+    QSizePolicy policy = sizePolicy();
+    policy.setVerticalPolicy(wraps() ? QSizePolicy::Minimum : QSizePolicy::Fixed);
+    setSizePolicy(policy);
+}
+
+QSize TextLabel::sizeHint() const
+{
+    if (wraps())
+        return wrappedSize(maximumWidth());
+    const QFontMetrics metrics(font());
+    return {metrics.horizontalAdvance(text()) + 1, metrics.height()};
+}
+
+QSize TextLabel::minimumSizeHint() const
+{
+    // Wide enough for a few characters and the ellipsis: the layout decides, not the text.
+    const QFontMetrics metrics(font());
+    const int few = metrics.averageCharWidth() * 6;
+    return {qMin(few, sizeHint().width()), metrics.height()};
+}
+
+int TextLabel::heightForWidth(int width) const
+{
+    return wraps() ? wrappedSize(qMin(width, maximumWidth())).height() : -1;
+}
+
+bool TextLabel::event(QEvent *event)
+{
+    if (event->type() == QEvent::ApplicationFontChange)
+        setFont(textFont(m_style.size, m_style.bold));
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty())
+        return QLabel::event(event);
+    const bool cut = !wraps() && elided(width()) != text();
+    const QPoint at = static_cast<QHelpEvent *>(event)->globalPos();
+    QToolTip::showText(at, cut ? plainToolTip(text()) : QString(), this);
+    return true;
+}
+
+void TextLabel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setPen(m_style.tone == Tone::Secondary ? Colors::secondaryText(palette())
+                                                   : palette().color(foregroundRole()));
+    if (!wraps()) {
+        painter.drawText(rect(), int(alignment() | Qt::TextSingleLine), elided(width()));
+        return;
+    }
+    QTextLayout layout(text(), font());
+    layOut(layout, width(), alignment());
+    layout.draw(&painter, QPointF(0, 0));
+}
+
+QString TextLabel::elided(int width) const
+{
+    const auto mode = m_style.overflow == Overflow::ElideHead ? Qt::ElideLeft : Qt::ElideRight;
+    return QFontMetrics(font()).elidedText(text(), mode, width);
+}
+
+QSize TextLabel::wrappedSize(int width) const
+{
+    QTextLayout layout(text(), font());
+    const QSizeF size = layOut(layout, width, alignment());
+    return {qCeil(size.width()), qCeil(size.height())};
+}
