@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "usage/SessionsView.h"
+
+#include "model/Format.h"
+#include "model/Store.h"
+#include "ui/EmptyState.h"
+#include "ui/Icons.h"
+#include "ui/Separator.h"
+#include "ui/Spinner.h"
+#include "ui/TableView.h"
+#include "ui/TextLabel.h"
+#include "usage/PriceEditor.h"
+#include "usage/PromptDelegate.h"
+#include "usage/SessionsModel.h"
+#include "usage/StartText.h"
+
+#include <QHeaderView>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int padding = 10;
+constexpr int numberWidth = 70;
+
+/// Up to here the table is made at once, so that a small project never flickers; beyond, beside the
+/// interface thread.
+constexpr qsizetype mostAtOnce = 20'000;
+
+/// Wide enough for a long date in the user's locale.
+int startWidth(const TableView *table)
+{
+    constexpr TimePoint longDate{std::chrono::sys_days(std::chrono::year(2028) / 12 / 28) +
+                                 std::chrono::hours(22)};
+    const QLocale locale = table->locale();
+    const QString text = startText(longDate, locale, mediumDateTimeFormat(locale));
+    return table->fontMetrics().horizontalAdvance(text) + 20;
+}
+
+void setUpTable(TableView *table)
+{
+    table->setObjectName(QStringLiteral("sessionsTable"));
+    table->setAccessibleName(QStringLiteral("Sessions"));
+    table->setItemDelegateForColumn(SessionsModel::FirstPrompt, new PromptDelegate(table));
+    table->verticalHeader()->setDefaultSectionSize(2 * table->fontMetrics().lineSpacing() + 8);
+    table->setResizableColumn(SessionsModel::Started, 120, qMax(140, startWidth(table)));
+    table->setFixedColumn(SessionsModel::Duration, numberWidth);
+    table->setFixedColumn(SessionsModel::Turns, 50);
+    for (const int column :
+         {SessionsModel::Input, SessionsModel::Output, SessionsModel::Cache, SessionsModel::Cost})
+        table->setFixedColumn(column, numberWidth);
+    table->setFlexibleColumn(SessionsModel::FirstPrompt, 180);
+}
+
+} // namespace
+
+SessionsView::SessionsView(const Project &project, Store &store, QWidget *parent)
+    : QWidget(parent)
+    , m_project(project)
+    , m_store(store)
+    , m_job(this)
+    , m_model(new SessionsModel(locale(), this))
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(buildHeader());
+    layout->addWidget(new Separator(Qt::Horizontal, this));
+    layout->addWidget(buildBody(), 1);
+    connectSignals();
+    refresh();
+}
+
+QWidget *SessionsView::buildHeader()
+{
+    auto *header = new QWidget(this);
+    m_summary = new TextLabel(QString(), {.tone = TextLabel::Tone::Secondary}, header);
+    m_summary->setObjectName(QStringLiteral("summary"));
+    m_pricesButton = new QPushButton(QStringLiteral("Price Table\u2026"), header);
+    m_reloadButton = new QPushButton(symbolIcon(u"arrow.clockwise", QPalette::ButtonText),
+                                     QStringLiteral("Reload"), header);
+    m_reloadButton->setShortcut(QKeySequence(QKeySequence::Refresh));
+    m_reloadButton->setToolTip(
+        QStringLiteral("Read all sessions again (%1)")
+            .arg(m_reloadButton->shortcut().toString(QKeySequence::NativeText)));
+    auto *layout = new QHBoxLayout(header);
+    layout->setContentsMargins(padding, padding, padding, padding);
+    layout->addWidget(m_summary, 1);
+    layout->addWidget(m_pricesButton);
+    layout->addWidget(m_reloadButton);
+    return header;
+}
+
+QWidget *SessionsView::buildBody()
+{
+    m_table = new TableView(this);
+    m_table->setModel(m_model);
+    setUpTable(m_table);
+    m_busyPage = buildBusyPage();
+    m_emptyPage = new EmptyState(QStringLiteral("tray"), QStringLiteral("No sessions found"),
+                                 emptyMessage(), this);
+    m_body = new QStackedWidget(this);
+    for (QWidget *page :
+         {m_busyPage, static_cast<QWidget *>(m_emptyPage), static_cast<QWidget *>(m_table)})
+        m_body->addWidget(page);
+    return m_body;
+}
+
+QWidget *SessionsView::buildBusyPage()
+{
+    auto *page = new QWidget(this);
+    auto *layout = new QVBoxLayout(page);
+    layout->addStretch();
+    layout->addWidget(new Spinner(page), 0, Qt::AlignHCenter);
+    layout->addWidget(new TextLabel(QStringLiteral("Reading sessions\u2026"),
+                                    {.tone = TextLabel::Tone::Secondary}, page),
+                      0, Qt::AlignHCenter);
+    layout->addStretch();
+    return page;
+}
+
+void SessionsView::connectSignals()
+{
+    connect(m_pricesButton, &QPushButton::clicked, this, &SessionsView::showPrices);
+    connect(m_reloadButton, &QPushButton::clicked, &m_store, &Store::reload);
+    connect(&m_store, &Store::sessionsChanged, this, &SessionsView::refresh);
+    connect(&m_store, &Store::pricesChanged, this, &SessionsView::refresh);
+    connect(&m_store, &Store::loadingChanged, this, &SessionsView::showBody);
+}
+
+void SessionsView::refresh()
+{
+    const QList<Session> sessions = m_store.sessions().value(m_project.path);
+    const QList<PriceRow> prices = m_store.prices();
+    if (sessions.size() + recordCount(sessions) <= mostAtOnce) {
+        m_job.cancel();
+        show(makeSessionTable(sessions, prices));
+        return;
+    }
+    m_job.start(
+        [sessions, prices](const std::stop_token &stop) {
+            return makeSessionTable(sessions, prices, stop);
+        },
+        [this](const SessionTable &table) { show(table); });
+}
+
+void SessionsView::show(const SessionTable &table)
+{
+    m_model->setRows(table.rows);
+    m_summary->setText(QStringLiteral("%1 sessions \u00b7 %2 estimated")
+                           .arg(table.rows.size())
+                           .arg(fmtCost(table.cost)));
+    showBody();
+}
+
+void SessionsView::showBody()
+{
+    m_emptyPage->setMessage(emptyMessage());
+    if (m_model->rowCount() > 0)
+        m_body->setCurrentWidget(m_table);
+    else if (m_store.loading() || m_job.busy())
+        m_body->setCurrentWidget(m_busyPage);
+    else
+        m_body->setCurrentWidget(m_emptyPage);
+}
+
+void SessionsView::showPrices()
+{
+    auto *editor = new PriceEditor(m_store, this);
+    editor->setAttribute(Qt::WA_DeleteOnClose);
+    editor->open();
+}
+
+QString SessionsView::emptyMessage() const
+{
+    // The project may have got its log folder since this screen was made.
+    const Project project = m_store.project(m_project.path).value_or(m_project);
+    if (project.claudeDir)
+        return QStringLiteral("No readable .jsonl session files in %1.").arg(*project.claudeDir);
+    return QStringLiteral("Claude Code has no session history for this folder yet. Run `claude` in "
+                          "%1 and sessions will appear here.")
+        .arg(project.path);
+}
