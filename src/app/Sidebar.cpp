@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Sidebar.h"
+
+#include "app/FileManager.h"
+#include "app/ProjectDelegate.h"
+#include "app/ProjectListModel.h"
+#include "model/Store.h"
+#include "ui/EmptyState.h"
+#include "ui/Icons.h"
+#include "ui/Separator.h"
+#include "ui/TextLabel.h"
+
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QListView>
+#include <QMenu>
+#include <QScopedValueRollback>
+#include <QStackedWidget>
+#include <QToolButton>
+
+namespace {
+
+constexpr int smallestWidth = 200;
+constexpr int usualWidth = 250;
+constexpr int padding = 8;
+
+} // namespace
+
+Sidebar::Sidebar(Store &store, QWidget *parent)
+    : QWidget(parent)
+    , m_store(store)
+    , m_model(new ProjectListModel(this))
+    , m_list(new QListView(this))
+    , m_emptyState(new EmptyState(
+          QStringLiteral("folder.badge.questionmark"), QStringLiteral("No projects yet"),
+          QStringLiteral("Click + to choose a folder, or run Claude Code to have projects appear "
+                         "from ~/.claude/projects."),
+          this))
+    , m_body(new QStackedWidget(this))
+{
+    setMinimumWidth(smallestWidth);
+    setFocusProxy(m_list);
+    buildList();
+    m_body->addWidget(m_list);
+    m_body->addWidget(m_emptyState);
+    auto *layout = new QGridLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(buildToolBar(), 0, 0);
+    layout->addWidget(m_body, 1, 0);
+    layout->addWidget(new Separator(Qt::Vertical, this), 0, 1, 2, 1);
+    connectSignals();
+    updateProjects();
+}
+
+QSize Sidebar::sizeHint() const
+{
+    return {usualWidth, QWidget::sizeHint().height()};
+}
+
+QWidget *Sidebar::buildToolBar()
+{
+    auto *bar = new QWidget(this);
+    auto *title = new TextLabel(
+        QStringLiteral("Projects"),
+        {.size = TextStyle::Caption, .bold = true, .tone = TextLabel::Tone::Secondary}, bar);
+    title->setBuddy(m_list);
+    auto *addButton = new QToolButton(bar);
+    addButton->setObjectName(QStringLiteral("addProject"));
+    addButton->setText(QStringLiteral("Add Project"));
+    addButton->setIcon(symbolIcon(u"plus", QPalette::ButtonText));
+    addButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    addButton->setAutoRaise(true);
+    addButton->setFocusPolicy(Qt::StrongFocus);
+    addButton->setShortcut(QKeySequence(QKeySequence::Open));
+    addButton->setToolTip(QStringLiteral("Add a project folder (%1)")
+                              .arg(addButton->shortcut().toString(QKeySequence::NativeText)));
+    connect(addButton, &QToolButton::clicked, this, &Sidebar::chooseFolder);
+    auto *layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(padding, padding, padding / 2, padding);
+    layout->addWidget(title, 1);
+    layout->addWidget(addButton);
+    return bar;
+}
+
+void Sidebar::buildList()
+{
+    m_list->setObjectName(QStringLiteral("projects"));
+    m_list->setAccessibleName(QStringLiteral("Projects"));
+    m_list->setModel(m_model);
+    m_list->setItemDelegate(new ProjectDelegate(m_list));
+    m_list->setUniformItemSizes(true);
+    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_list->setFrameShape(QFrame::NoFrame);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
+}
+
+void Sidebar::connectSignals()
+{
+    connect(&m_store, &Store::projectsChanged, this, &Sidebar::updateProjects);
+    connect(&m_store, &Store::selectionChanged, this, &Sidebar::updateSelection);
+    connect(&m_store, &Store::loadingChanged, this, &Sidebar::updateOverlay);
+    connect(&m_store, &Store::reloadFinished, this, [this] {
+        m_loaded = true;
+        updateOverlay();
+    });
+    connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &Sidebar::takeSelection);
+    connect(m_list, &QWidget::customContextMenuRequested, this, &Sidebar::showContextMenu);
+}
+
+void Sidebar::updateProjects()
+{
+    {
+        const QScopedValueRollback updating(m_updating, true);
+        m_model->setProjects(m_store.projects());
+    }
+    updateSelection();
+    updateOverlay();
+}
+
+/// Lets the list follow the store.
+void Sidebar::updateSelection()
+{
+    const QScopedValueRollback updating(m_updating, true);
+    const QModelIndex index = m_model->indexOf(m_store.selection().value_or(QString()));
+    if (index.isValid())
+        m_list->setCurrentIndex(index);
+    else
+        m_list->clearSelection();
+}
+
+void Sidebar::updateOverlay()
+{
+    const bool nothing = m_loaded && m_store.projects().isEmpty() && !m_store.loading();
+    m_body->setCurrentWidget(nothing ? m_emptyState : m_list);
+}
+
+/// Lets the store follow the user. A project stays selected when its row is clicked away.
+void Sidebar::takeSelection()
+{
+    if (m_updating)
+        return;
+    const QModelIndexList selected = m_list->selectionModel()->selectedIndexes();
+    if (selected.isEmpty())
+        QMetaObject::invokeMethod(this, &Sidebar::updateSelection, Qt::QueuedConnection);
+    else
+        m_store.setSelection(selected.constFirst().data(ProjectListModel::PathRole).toString());
+}
+
+void Sidebar::showContextMenu(const QPoint &position)
+{
+    const QModelIndex index = m_list->indexAt(position);
+    if (!index.isValid())
+        return;
+    const Project project = m_model->rows().at(index.row()).project;
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (project.added)
+        menu->addAction(QStringLiteral("Remove from list"), &m_store,
+                        [this, project] { m_store.removeProject(project); });
+    menu->addAction(QStringLiteral("Reveal in Finder"), this,
+                    [this, project] { revealInFileManager(project.path, this); });
+    menu->popup(m_list->viewport()->mapToGlobal(position));
+}
+
+void Sidebar::chooseFolder()
+{
+    auto *chooser = new QFileDialog(this);
+    chooser->setAttribute(Qt::WA_DeleteOnClose);
+    chooser->setFileMode(QFileDialog::Directory);
+    chooser->setOption(QFileDialog::ShowDirsOnly);
+    chooser->setLabelText(QFileDialog::Accept, QStringLiteral("Add Project"));
+    connect(chooser, &QFileDialog::fileSelected, &m_store, &Store::addProject);
+    chooser->open();
+}

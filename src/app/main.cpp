@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/PlintharApp.h"
+
+#include <QApplication>
+
+int main(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    PlintharApp plinthar;
+    plinthar.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/TableView.h"
+
+#include "support/Input.h"
+#include "support/WindowTestMain.h"
+
+#include <QClipboard>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QStandardItemModel>
+#include <QVBoxLayout>
+
+namespace {
+
+QList<QStandardItem *> rowOf(const QStringList &texts)
+{
+    QList<QStandardItem *> items;
+    for (const QString &text : texts)
+        items.append(new QStandardItem(text));
+    return items;
+}
+
+/// A table between two fields in a window with the focus.
+struct Shown {
+    Shown()
+    {
+        auto *layout = new QVBoxLayout(&window);
+        layout->addWidget(&before);
+        layout->addWidget(&table);
+        layout->addWidget(&after);
+        table.setModel(&model);
+        window.resize(500, 400);
+        window.show();
+        if (!QTest::qWaitForWindowActive(&window))
+            qFatal("the window does not get the focus");
+        table.setFocus();
+    }
+
+    QWidget window;
+    QStandardItemModel model;
+    QLineEdit before;
+    TableView table;
+    QLineEdit after;
+};
+
+QString clipboard()
+{
+    return QGuiApplication::clipboard()->text();
+}
+
+} // namespace
+
+class TableViewTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QGuiApplication::clipboard()->setText(u"before"_qs); }
+
+    void copiesWholeRowsInTheirOrder()
+    {
+        Shown shown;
+        for (const QString &name : {u"a"_qs, u"b"_qs, u"c"_qs})
+            shown.model.appendRow(rowOf({name, name.toUpper(), u"1"_qs}));
+        Input::clickCell(&shown.table, 2, 1);
+        Input::clickCell(&shown.table, 0, 2, {.modifiers = Qt::ControlModifier});
+        Input::key(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(clipboard(), u"a\tA\t1\nc\tC\t1\n"_qs);
+        QCOMPARE(shown.table.selectedText(), clipboard());
+    }
+
+    void aCellIsCopiedOnOneLine()
+    {
+        Shown shown;
+        shown.model.appendRow(rowOf({u" a\tb\nc\r\nd  e "_qs, u""_qs, u"<b>&"_qs}));
+        Input::clickCell(&shown.table, 0);
+        Input::key(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(clipboard(), u"a b c d e\t\t<b>&\n"_qs);
+    }
+
+    void withoutASelectionTheClipboardStays()
+    {
+        Shown shown;
+        shown.model.appendRow(rowOf({u"a"_qs}));
+        QVERIFY(shown.table.currentIndex().isValid());
+        Input::key(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(clipboard(), u"before"_qs);
+    }
+
+    void hasACurrentRowAsSoonAsItHasRows()
+    {
+        Shown shown;
+        QVERIFY(!shown.table.currentIndex().isValid());
+        shown.model.appendRow(rowOf({u"a"_qs}));
+        QCOMPARE(shown.table.currentIndex().row(), 0);
+        shown.model.appendRow(rowOf({u"b"_qs}));
+        QCOMPARE(shown.table.currentIndex().row(), 0);
+        QVERIFY(!shown.table.selectionModel()->hasSelection());
+    }
+
+    void hasACurrentRowAfterAReset()
+    {
+        Shown shown;
+        shown.model.appendRow(rowOf({u"a"_qs}));
+        shown.model.clear();
+        QVERIFY(!shown.table.currentIndex().isValid());
+        shown.model.appendRow(rowOf({u"b"_qs}));
+        QVERIFY(shown.table.currentIndex().isValid());
+        QStandardItemModel filled;
+        filled.appendRow(rowOf({u"c"_qs}));
+        shown.table.setModel(&filled);
+        QCOMPARE(shown.table.currentIndex().model(), &filled);
+        shown.table.setModel(&shown.model);
+    }
+
+    void keepsACurrentRowWhenItsRowGoes()
+    {
+        Shown shown;
+        for (const QString &name : {u"a"_qs, u"b"_qs, u"c"_qs})
+            shown.model.appendRow(rowOf({name}));
+        Input::clickCell(&shown.table, 2);
+        shown.model.removeRow(2);
+        QVERIFY(shown.table.currentIndex().isValid());
+        shown.model.removeRows(0, 1);
+        QVERIFY(shown.table.currentIndex().isValid());
+    }
+
+    void aClickSelectsTheWholeRow()
+    {
+        Shown shown;
+        shown.model.appendRow(rowOf({u"a"_qs, u"b"_qs}));
+        Input::clickCell(&shown.table, 0, 1);
+        QCOMPARE(shown.table.selectionModel()->selectedIndexes().size(), 2);
+    }
+
+    void tabLeavesTheTable()
+    {
+        Shown shown;
+        shown.model.appendRow(rowOf({u"a"_qs, u"b"_qs}));
+        Input::key(Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), &shown.after);
+        Input::key(Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(QApplication::focusWidget(), &shown.table);
+        Input::key(Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(QApplication::focusWidget(), &shown.before);
+    }
+
+    void nothingCanBeEdited()
+    {
+        Shown shown;
+        shown.model.appendRow(rowOf({u"a"_qs}));
+        Input::key(Qt::Key_F2);
+        Input::type(u"x"_qs);
+        QCOMPARE(shown.model.item(0)->text(), u"a"_qs);
+        QVERIFY(shown.table.findChildren<QLineEdit *>().isEmpty());
+    }
+
+    void rowsThatComeAndGoAboveDoNotMoveWhatIsSeen()
+    {
+        Shown shown;
+        for (int i = 0; i < 100; ++i)
+            shown.model.appendRow(rowOf({QString::number(i)}));
+        QCoreApplication::processEvents();
+        shown.table.scrollTo(shown.model.index(50, 0), QAbstractItemView::PositionAtTop);
+        QCOMPARE(textAtTheTop(shown.table), u"50"_qs);
+        shown.model.insertRow(10, rowOf({u"new"_qs}));
+        shown.model.insertRow(0, rowOf({u"newer"_qs}));
+        QCoreApplication::processEvents();
+        QCOMPARE(textAtTheTop(shown.table), u"50"_qs);
+        shown.model.removeRows(5, 10);
+        QCoreApplication::processEvents();
+        QCOMPARE(textAtTheTop(shown.table), u"50"_qs);
+        shown.model.removeRows(60, 10);
+        QCoreApplication::processEvents();
+        QCOMPARE(textAtTheTop(shown.table), u"50"_qs);
+    }
+
+private:
+    static QString textAtTheTop(const TableView &table)
+    {
+        return table.model()->index(table.rowAt(0), 0).data().toString();
+    }
+};
+
+PLINTHAR_WINDOW_TEST_MAIN(TableViewTest)
+#include "TableViewTest.moc"
