@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ProjectDetail.h"
 
+#include "live/LiveView.h"
 #include "ui/EmptyState.h"
 #include "ui/Icons.h"
 #include "ui/TextLabel.h"
@@ -34,10 +35,9 @@ EmptyState *makeEmpty(const char16_t *icon, const char16_t *title, const char16_
                           QString::fromUtf16(message));
 }
 
-QWidget *makeLive(const Project &, Store &)
+QWidget *makeLive(const Project &project, Store &)
 {
-    return makeEmpty(u"waveform.path.ecg", u"Live is not built yet",
-                     u"The agents that are running right now will show up here.");
+    return new LiveView(project);
 }
 
 QWidget *makeReview(const Project &, Store &)

@@ -2,6 +2,11 @@
 #include "ui/Fonts.h"
 
 #include <QApplication>
+#include <QFontDatabase>
+#include <QFontMetricsF>
+
+#include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -26,6 +31,27 @@ qreal scaleOf(TextStyle style)
     Q_UNREACHABLE();
 }
 
+bool hasEqualDigits(const QFont &font)
+{
+    const QFontMetricsF metrics(font);
+    constexpr QStringView digits = u"123456789";
+    return std::all_of(digits.cbegin(), digits.cend(), [&metrics](QChar digit) {
+        return qFuzzyCompare(metrics.horizontalAdvance(digit), metrics.horizontalAdvance(u'0'));
+    });
+}
+
+QFont numberFontFor(const QFont &font)
+{
+    if (hasEqualDigits(font))
+        return font;
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (font.pointSizeF() > 0)
+        fixed.setPointSizeF(font.pointSizeF());
+    else
+        fixed.setPixelSize(font.pixelSize());
+    return fixed;
+}
+
 } // namespace
 
 QFont textFont(TextStyle style, bool bold)
@@ -38,4 +64,17 @@ QFont textFont(TextStyle style, bool bold)
         font.setPixelSize(qRound(font.pixelSize() * scaleOf(style)));
     font.setBold(bold);
     return font;
+}
+
+QFont numberFont()
+{
+    // Every cell asks, and the answer changes only with the font.
+    static QFont measured;
+    static std::optional<QFont> answer;
+    const QFont font = QApplication::font();
+    if (!answer || font != measured) {
+        measured = font;
+        answer = numberFontFor(font);
+    }
+    return *answer;
 }

@@ -8,3 +8,7 @@ enum class TextStyle { Title2, Title3, Headline, Body, Callout, Caption, Caption
 
 /// The application's font in the size of a text style.
 QFont textFont(TextStyle style, bool bold = false);
+
+/// For columns of numbers: the application's font, or where its digits are not equally wide, the
+/// system's fixed-width one.
+QFont numberFont();

@@ -70,7 +70,8 @@ QString TableView::selectedText() const
     for (const QModelIndex &row : rows) {
         QStringList cells;
         for (int column = 0; column < model()->columnCount(); ++column)
-            cells.append(row.siblingAtColumn(column).data().toString().simplified());
+            if (!model()->headerData(column, Qt::Horizontal).toString().isEmpty())
+                cells.append(row.siblingAtColumn(column).data().toString().simplified());
         text += cells.join(u'\t') + u'\n';
     }
     return text;

@@ -25,7 +25,7 @@ public:
     void setFlexibleColumn(int column, int minimum);
 
     /// The selected rows as text: cells separated by tabs, rows by line feeds. A tab or line break
-    /// inside a cell becomes a blank.
+    /// inside a cell becomes a blank. A column without a title holds no text, but a button.
     QString selectedText() const;
 
 protected:

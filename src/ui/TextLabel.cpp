@@ -81,8 +81,7 @@ bool TextLabel::event(QEvent *event)
 void TextLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setPen(m_style.tone == Tone::Secondary ? Colors::secondaryText(palette())
-                                                   : palette().color(foregroundRole()));
+    painter.setPen(color());
     if (!wraps()) {
         painter.drawText(rect(), int(alignment() | Qt::TextSingleLine), elided(width()));
         return;
@@ -90,6 +89,19 @@ void TextLabel::paintEvent(QPaintEvent *)
     QTextLayout layout(text(), font());
     layOut(layout, width(), alignment());
     layout.draw(&painter, QPointF(0, 0));
+}
+
+QColor TextLabel::color() const
+{
+    switch (m_style.tone) {
+    case Tone::Primary:
+        return palette().color(foregroundRole());
+    case Tone::Secondary:
+        return Colors::secondaryText(palette());
+    case Tone::Error:
+        return Colors::hue(Colors::Hue::Red, palette());
+    }
+    Q_UNREACHABLE();
 }
 
 QString TextLabel::elided(int width) const

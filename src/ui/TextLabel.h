@@ -11,7 +11,7 @@
 class TextLabel : public QLabel {
     Q_OBJECT
 public:
-    enum class Tone { Primary, Secondary };
+    enum class Tone { Primary, Secondary, Error };
     enum class Overflow { ElideHead, ElideTail, Wrap };
 
     struct Style {
@@ -33,6 +33,7 @@ protected:
 
 private:
     bool wraps() const { return m_style.overflow == Overflow::Wrap; }
+    QColor color() const;
     QString elided(int width) const;
     QSize wrappedSize(int width) const;
 

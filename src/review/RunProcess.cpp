@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "review/RunProcess.h"
+
+#include "model/Files.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStringDecoder>
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+/// The system would take what stands before a NUL for the whole, which is another file or another
+/// argument than the caller's.
+bool canBePassedOn(const QString &text)
+{
+    return !text.contains(QChar::Null);
+}
+
+QString systemText(int error)
+{
+    return QString::fromStdString(std::generic_category().message(error));
+}
+
+ShellResult notStarted(const QString &why)
+{
+    ShellResult result;
+    result.err = why;
+    return result;
+}
+
+/// What the child does to become the program. QProcess would do the same, but Qt 6.4 loses a
+/// descriptor every time that fails: its child shares the parent's memory until then, and
+/// overwrites the number that the parent has yet to close.
+class ChildStart {
+public:
+    ChildStart(const QString &executable, const QStringList &arguments,
+               const std::optional<QString> &cwd)
+        // As an absolute path: for QProcess a mere name would be one to look for in PATH.
+        : m_executable(QFileInfo(executable).absoluteFilePath())
+        , m_cwd(cwd.value_or(QString()))
+        , m_cwdBytes(QFile::encodeName(m_cwd))
+    {
+        m_words.append(QFile::encodeName(m_executable));
+        for (const QString &argument : arguments)
+            m_words.append(argument.toUtf8());
+        for (QByteArray &word : m_words)
+            m_argv.push_back(word.data());
+        m_argv.push_back(nullptr);
+        int ends[2];
+        if (::pipe2(ends, O_CLOEXEC) != 0)
+            return;
+        m_reports = FileDescriptor(ends[0]);
+        m_reporter = FileDescriptor(ends[1]);
+    }
+
+    bool isReady() const { return m_reporter.isOpen(); }
+    const QString &executable() const { return m_executable; }
+
+    /// In the child, where nothing may be called but the system. Returns only to fail.
+    void becomeProgram() const
+    {
+        Report report;
+        report.inFolder = !m_cwdBytes.isEmpty() && ::chdir(m_cwdBytes.constData()) != 0;
+        if (!report.inFolder)
+            ::execv(m_argv[0], m_argv.data());
+        report.error = errno;
+        [[maybe_unused]] const ssize_t written = ::write(m_reporter.get(), &report, sizeof report);
+        ::_exit(127);
+    }
+
+    /// In the parent, when the child has either become the program or ended: what went wrong.
+    std::optional<QString> failure()
+    {
+        m_reporter = FileDescriptor();
+        Report report;
+        if (readSome(m_reports, reinterpret_cast<char *>(&report), sizeof report) != sizeof report)
+            return std::nullopt;
+        return (report.inFolder ? m_cwd : m_executable) + QStringLiteral(": ") +
+               systemText(report.error);
+    }
+
+private:
+    struct Report {
+        int error = 0;
+        bool inFolder = false;
+    };
+
+    const QString m_executable;
+    const QString m_cwd;
+    const QByteArray m_cwdBytes;
+    QByteArrayList m_words;
+    std::vector<char *> m_argv;
+    FileDescriptor m_reports;
+    FileDescriptor m_reporter;
+};
+
+/// Decoded in one piece and without state, because otherwise a sequence that is cut at the end
+/// would get lost, and a byte-order mark too.
+QString decoded(const QByteArray &bytes)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
+                                                     QStringDecoder::Flag::ConvertInitialBom);
+    return decoder.decode(bytes);
+}
+
+} // namespace
+
+ShellResult runProcess(const QString &executable, const QStringList &arguments,
+                       const std::optional<QString> &cwd, const std::optional<QString> &input)
+{
+    if (!canBePassedOn(executable) || !canBePassedOn(cwd.value_or(QString())) ||
+        !std::all_of(arguments.cbegin(), arguments.cend(), canBePassedOn))
+        return notStarted(systemText(EINVAL));
+    ChildStart start(executable, arguments, cwd);
+    if (!start.isReady())
+        return notStarted(systemText(errno));
+
+    QProcess process;
+    process.setProgram(start.executable());
+    process.setChildProcessModifier([&start] { start.becomeProgram(); });
+    if (!input)
+        process.setStandardInputFile(QProcess::nullDevice());
+    process.start();
+    if (!process.waitForStarted(-1))
+        return notStarted(process.errorString());
+    if (const std::optional<QString> failure = start.failure()) {
+        process.waitForFinished(-1);
+        return notStarted(*failure);
+    }
+    if (input) {
+        process.write(input->toUtf8());
+        process.closeWriteChannel(); // once all of it is written
+    }
+    process.waitForFinished(-1); // reads both streams and writes the input meanwhile
+    return {process.exitCode(), decoded(process.readAllStandardOutput()),
+            decoded(process.readAllStandardError())};
+}

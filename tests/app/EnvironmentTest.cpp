@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Environment.h"
+
+#include "support/AgentDouble.h"
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QScopeGuard>
+
+namespace {
+
+const QStringList unwanted{QStringLiteral("GIT_DIR"),           QStringLiteral("GIT_WORK_TREE"),
+                           QStringLiteral("GIT_INDEX_FILE"),    QStringLiteral("GIT_PREFIX"),
+                           QStringLiteral("GIT_EXTERNAL_DIFF"), QStringLiteral("COLUMNS"),
+                           QStringLiteral("PS_FORMAT"),         QStringLiteral("PS_PERSONALITY")};
+
+/// What a shell, a git hook or a joker may have left in the environment.
+QProcessEnvironment hostile()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const QString &name : unwanted)
+        environment.insert(name, QStringLiteral("40"));
+    environment.insert(QStringLiteral("PS_FORMAT"), QStringLiteral("comm"));
+    environment.insert(QStringLiteral("GIT_OPTIONAL_LOCKS"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("GIT_TERMINAL_PROMPT"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("INNOCENT"), QStringLiteral("two words"));
+    environment.insert(QStringLiteral("GIT_AUTHOR_NAME"), QStringLiteral("Ada"));
+    return environment;
+}
+
+/// What is wrong with an environment that children get; empty when it is in order.
+QString complaint(const QProcessEnvironment &environment)
+{
+    for (const QString &name : unwanted)
+        if (environment.contains(name))
+            return name;
+    for (const QString &name :
+         {QStringLiteral("GIT_OPTIONAL_LOCKS"), QStringLiteral("GIT_TERMINAL_PROMPT")})
+        if (environment.value(name) != u"0")
+            return name;
+    if (environment.value(QStringLiteral("INNOCENT")) != u"two words" ||
+        environment.value(QStringLiteral("GIT_AUTHOR_NAME")) != u"Ada")
+        return QStringLiteral("the rest");
+    return {};
+}
+
+/// The environment that the recorder has written for a program.
+QProcessEnvironment recorded(const QString &file)
+{
+    QProcessEnvironment environment;
+    const QList<QByteArray> variables = readFile(file).split('\0');
+    for (const QByteArray &variable : variables) {
+        const qsizetype equals = variable.indexOf('=');
+        if (equals > 0)
+            environment.insert(QString::fromUtf8(variable.left(equals)),
+                               QString::fromUtf8(variable.mid(equals + 1)));
+    }
+    return environment;
+}
+
+} // namespace
+
+class EnvironmentTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void putsTheEnvironmentInOrder();
+    void childrenOfTheProgramGetItInOrder();
+};
+
+void EnvironmentTest::putsTheEnvironmentInOrder()
+{
+    const QProcessEnvironment before = QProcessEnvironment::systemEnvironment();
+    const QProcessEnvironment with = hostile();
+    for (const QString &name : with.keys())
+        qputenv(name.toUtf8().constData(), with.value(name).toUtf8());
+    QVERIFY(!complaint(QProcessEnvironment::systemEnvironment()).isEmpty());
+    prepareEnvironment();
+    QCOMPARE(complaint(QProcessEnvironment::systemEnvironment()), QString());
+    prepareEnvironment();
+    QCOMPARE(complaint(QProcessEnvironment::systemEnvironment()), QString());
+    for (const QString &name : QProcessEnvironment::systemEnvironment().keys())
+        if (!before.contains(name))
+            qunsetenv(name.toUtf8().constData());
+}
+
+void EnvironmentTest::childrenOfTheProgramGetItInOrder()
+{
+    // The real program, shown its Live tab, runs ps and, since there is an agent, lsof.
+    const PrivateHome home;
+    const QString folder = home.path(QStringLiteral("project"));
+    const QString records = home.path(QStringLiteral("records"));
+    const QString runtime = home.path(QStringLiteral("runtime"));
+    QVERIFY(QDir().mkpath(folder) && QDir().mkpath(records) && QDir().mkpath(runtime));
+    QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    writeFile(home.support(QStringLiteral("projects.json")), "[\"" + folder.toUtf8() + "\"]");
+    const AgentDouble agent(QStringLiteral("claude"), folder);
+
+    QProcessEnvironment environment = hostile();
+    environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(RECORDER));
+    environment.insert(QStringLiteral("RECORD_FOLDER"), records);
+    environment.insert(QStringLiteral("RECORD_PROGRAMS"), QStringLiteral(" plinthar ps lsof "));
+    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(PLUGINS));
+    environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"),
+                       QStringLiteral("KeyPresser:Ctrl+2"));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                       QStringLiteral("unix:path=/nowhere"));
+    // A sanitizer otherwise wants to be the first library of its program.
+    environment.insert(QStringLiteral("ASAN_OPTIONS"),
+                       QStringLiteral("verify_asan_link_order=0:detect_leaks=0"));
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.setProcessChannelMode(QProcess::ForwardedChannels);
+    program.start(QStringLiteral(PROGRAM), QStringList());
+    const auto end = qScopeGuard([&program] {
+        program.kill();
+        program.waitForFinished(-1);
+    });
+    QVERIFY(program.waitForStarted(60'000));
+    for (const QString &tool : {QStringLiteral("ps"), QStringLiteral("lsof")})
+        QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(records + u'/' + tool), qPrintable(tool), 120'000);
+    // The program itself was started with the hostile one, or the test would show nothing.
+    QVERIFY(!complaint(recorded(records + QStringLiteral("/plinthar"))).isEmpty());
+    QCOMPARE(complaint(recorded(records + QStringLiteral("/ps"))), QString());
+    QCOMPARE(complaint(recorded(records + QStringLiteral("/lsof"))), QString());
+    QCOMPARE(program.state(), QProcess::Running);
+}
+
+PLINTHAR_TEST_MAIN(EnvironmentTest)
+#include "EnvironmentTest.moc"
