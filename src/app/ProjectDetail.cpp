@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ProjectDetail.h"
 
+#include "context/ContextView.h"
 #include "live/LiveView.h"
 #include "ui/EmptyState.h"
 #include "ui/Icons.h"
@@ -52,10 +53,9 @@ QWidget *makeUsage(const Project &, Store &)
                      u"Tokens and cost of the last 30 days will show up here.");
 }
 
-QWidget *makeContext(const Project &, Store &)
+QWidget *makeContext(const Project &project, Store &)
 {
-    return makeEmpty(u"doc.text", u"Context is not built yet",
-                     u"The agents' instruction files will show up here.");
+    return new ContextView(project);
 }
 
 constexpr std::array tabs{

@@ -16,11 +16,16 @@ namespace Background {
 /// The threads that all background work of the program runs on.
 QThreadPool &pool();
 
+/// The threads for saving what the user made. Work that waits for one of them is done even when
+/// the program ends meanwhile, and no other work is in its way.
+QThreadPool &savingPool();
+
 /// Calls `work(stop)` on a thread of the pool and then `deliver(result)` on the thread of
 /// `context`, unless `context` is gone by then. Call it on that thread. `work` must touch nothing
 /// but its own copies, and should return soon after `stop` is requested.
 template <typename Work, typename Deliver>
-void run(QObject *context, const std::stop_token &stop, Work work, Deliver deliver)
+void run(QObject *context, const std::stop_token &stop, Work work, Deliver deliver,
+         QThreadPool &threads = pool())
 {
     using Result = std::invoke_result_t<Work, std::stop_token>;
     auto *watcher = new QFutureWatcher<Result>(context);
@@ -29,7 +34,7 @@ void run(QObject *context, const std::stop_token &stop, Work work, Deliver deliv
                          watcher->deleteLater();
                          deliver(watcher->future().takeResult());
                      });
-    watcher->setFuture(QtConcurrent::run(&pool(), std::move(work), stop));
+    watcher->setFuture(QtConcurrent::run(&threads, std::move(work), stop));
 }
 
 /// Destroys a value on another thread: freeing millions of records takes longer than a frame.

@@ -45,6 +45,14 @@ TextLabel::TextLabel(const QString &text, const Style &style, QWidget *parent)
     setSizePolicy(policy);
 }
 
+void TextLabel::setTone(Tone tone)
+{
+    if (m_style.tone == tone)
+        return;
+    m_style.tone = tone;
+    update();
+}
+
 QSize TextLabel::sizeHint() const
 {
     if (wraps())
@@ -100,6 +108,8 @@ QColor TextLabel::color() const
         return Colors::secondaryText(palette());
     case Tone::Error:
         return Colors::hue(Colors::Hue::Red, palette());
+    case Tone::Warning:
+        return Colors::hue(Colors::Hue::Orange, palette());
     }
     Q_UNREACHABLE();
 }

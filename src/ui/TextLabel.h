@@ -11,7 +11,7 @@
 class TextLabel : public QLabel {
     Q_OBJECT
 public:
-    enum class Tone { Primary, Secondary, Error };
+    enum class Tone { Primary, Secondary, Error, Warning };
     enum class Overflow { ElideHead, ElideTail, Wrap };
 
     struct Style {
@@ -22,6 +22,9 @@ public:
     };
 
     TextLabel(const QString &text, const Style &style, QWidget *parent = nullptr);
+
+    Tone tone() const { return m_style.tone; }
+    void setTone(Tone tone);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -37,5 +40,5 @@ private:
     QString elided(int width) const;
     QSize wrappedSize(int width) const;
 
-    const Style m_style;
+    Style m_style;
 };

@@ -76,6 +76,8 @@ private Q_SLOTS:
     void finishWaitsForTheLastWork();
     void finishDoesNotWaitForWorkThatHangs();
     void finishStartsNothingOfTheQueue();
+    void waitingSavesAreDoneAtTheEndAllTheSame();
+    void otherWorkIsNotInTheWayOfSaving();
     void valuesAreDestroyedElsewhere();
 };
 
@@ -242,6 +244,37 @@ void BackgroundTest::finishStartsNothingOfTheQueue()
     QCOMPARE(shared->started.available(), 0);
     deliverAll(); // the context is still there
     QVERIFY(!delivered);
+}
+
+void BackgroundTest::waitingSavesAreDoneAtTheEndAllTheSame()
+{
+    QObject context;
+    const auto held = std::make_shared<Shared>();
+    const auto saved = std::make_shared<Shared>();
+    saved->mayEnd.release();
+    QThreadPool &pool = Background::savingPool();
+    for (int i = 0; i < pool.maxThreadCount(); ++i)
+        Background::run(
+            &context, {}, hangingWork(held), [](int) {}, pool);
+    held->started.acquire(pool.maxThreadCount());
+    Background::run(
+        &context, {}, hangingWork(saved), [](int) {}, pool);
+    QVERIFY(!Background::finish(1ms));
+    QCOMPARE(saved->started.available(), 0);
+    held->mayEnd.release(pool.maxThreadCount());
+    QVERIFY(Background::finish(1min));
+    QCOMPARE(saved->ended.available(), 1);
+}
+
+void BackgroundTest::otherWorkIsNotInTheWayOfSaving()
+{
+    QObject context;
+    const HeldBackground held;
+    const auto saved = std::make_shared<Shared>();
+    saved->mayEnd.release();
+    Background::run(
+        &context, {}, hangingWork(saved), [](int) {}, Background::savingPool());
+    QVERIFY(saved->ended.tryAcquire(1, 60'000));
 }
 
 void BackgroundTest::valuesAreDestroyedElsewhere()

@@ -8,8 +8,11 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <atomic>
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -47,6 +50,8 @@ private Q_SLOTS:
     void opensNothingElse_data();
     void opensNothingElse();
     void opensNothingItMayNotRead();
+    void wakesNoWriterOfAFifo();
+    void opensNothingThatIsPutInTheFilesPlace();
     void closesWithItsOwner();
     void readsWhole();
     void readsAnEmptyFileAsEmptyText();
@@ -105,6 +110,40 @@ void FilesTest::opensNothingItMayNotRead()
     QFile::setPermissions(path(u"file"_qs), {});
     const Unprivileged meanwhile;
     QVERIFY(!openRegularFile(encoded(path(u"file"_qs))).isOpen());
+}
+
+void FilesTest::wakesNoWriterOfAFifo()
+{
+    const QByteArray fifo = encoded(path(u"fifo"_qs));
+    std::atomic<bool> awake = false;
+    std::jthread writer([&] {
+        // Returns as soon as anybody opens the other end.
+        const FileDescriptor end(::open(fifo.constData(), O_WRONLY | O_CLOEXEC));
+        awake = true;
+    });
+    for (int i = 0; i < 2'000; ++i) {
+        QVERIFY(!openRegularFile(fifo.constData()).isOpen());
+        std::this_thread::yield();
+    }
+    const bool disturbed = awake;
+    const FileDescriptor other(::open(fifo.constData(), O_RDWR | O_CLOEXEC));
+    writer.join();
+    QVERIFY(!disturbed);
+}
+
+void FilesTest::opensNothingThatIsPutInTheFilesPlace()
+{
+    const QByteArray file = encoded(path(u"file"_qs));
+    const QByteArray fifo = encoded(path(u"fifo"_qs));
+    std::jthread swapper([&](const std::stop_token &stop) {
+        while (!stop.stop_requested())
+            ::renameat2(AT_FDCWD, file.constData(), AT_FDCWD, fifo.constData(), RENAME_EXCHANGE);
+    });
+    for (int i = 0; i < 20'000; ++i) {
+        const FileDescriptor opened = openRegularFile(file.constData());
+        struct stat info = {};
+        QVERIFY(!opened.isOpen() || (::fstat(opened.get(), &info) == 0 && S_ISREG(info.st_mode)));
+    }
 }
 
 void FilesTest::closesWithItsOwner()

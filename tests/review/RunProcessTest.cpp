@@ -288,7 +288,8 @@ void RunProcessTest::noDescriptorsLeft()
     QVERIFY(failures > 0);
     QVERIFY(failures < 60);
     QCOMPARE(holdings().files, quiet.files);
-    QCOMPARE(holdings().threads, quiet.threads);
+    // A thread that has been joined may stand in the list for a moment longer.
+    QTRY_VERIFY(holdings().threads <= quiet.threads);
     QCOMPARE(holdings().children, quiet.children);
 }
 
@@ -443,7 +444,7 @@ void RunProcessTest::nothingIsLeftBehind()
     const Holdings after = holdings();
     QCOMPARE(after.files, before.files);
     QCOMPARE(after.children, before.children);
-    QVERIFY(after.threads <= before.threads);
+    QTRY_VERIFY(holdings().threads <= before.threads);
 }
 
 PLINTHAR_TEST_MAIN(RunProcessTest)

@@ -7,16 +7,17 @@
 
 #include <memory>
 
-/// While it lives, no background work begins: what is started waits its turn. That makes "in the
+/// While it lives, no work of a pool begins: what is started waits its turn. That makes "in the
 /// middle of a reload" last as long as a test wants.
 class HeldBackground {
 public:
-    HeldBackground()
+    explicit HeldBackground(QThreadPool &pool = Background::pool())
+        : m_threads(pool.maxThreadCount())
     {
         // Work of the test before must not be in the way.
-        Background::pool().waitForDone();
+        pool.waitForDone();
         for (int i = 0; i < m_threads; ++i)
-            Background::pool().start([gate = m_gate] { gate->acquire(); });
+            pool.start([gate = m_gate] { gate->acquire(); });
     }
 
     ~HeldBackground() { m_gate->release(m_threads); }
@@ -25,6 +26,6 @@ public:
     HeldBackground &operator=(const HeldBackground &) = delete;
 
 private:
-    const int m_threads = Background::pool().maxThreadCount();
+    const int m_threads;
     const std::shared_ptr<QSemaphore> m_gate = std::make_shared<QSemaphore>();
 };

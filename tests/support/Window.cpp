@@ -17,7 +17,7 @@ namespace {
 template <typename Condition>
 void await(Condition condition, const char *what)
 {
-    if (!QTest::qWaitFor(condition, 20'000))
+    if (!QTest::qWaitFor(condition, 60'000))
         qFatal("waited in vain for %s", what);
 }
 

@@ -3,6 +3,7 @@
 
 #include "support/Input.h"
 #include "support/WindowTestMain.h"
+#include "ui/Colors.h"
 #include "ui/ToolTips.h"
 
 #include <QVBoxLayout>
@@ -167,6 +168,28 @@ private Q_SLOTS:
         label.setText(u"not so short any more"_qs);
         QVERIFY(label.sizeHint().width() >=
                 label.fontMetrics().horizontalAdvance(u"not so short any more"_qs));
+    }
+
+    void aNewToneIsPaintedAtOnce()
+    {
+        const auto label = shownLabel(u"MMMM"_qs, Overflow::ElideTail, QSize(200, 20));
+        const QColor orange = Colors::hue(Colors::Hue::Orange, label->palette());
+        const auto hasOrange = [&] {
+            const QImage image = label->grab().toImage();
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    if (image.pixelColor(x, y).rgb() == orange.rgb())
+                        return true;
+                }
+            }
+            return false;
+        };
+        QVERIFY(!hasOrange());
+        label->setTone(TextLabel::Tone::Warning);
+        QCOMPARE(label->tone(), TextLabel::Tone::Warning);
+        QVERIFY(hasOrange());
+        label->setTone(TextLabel::Tone::Secondary);
+        QVERIFY(!hasOrange());
     }
 
     void followsTheUsersFont()
