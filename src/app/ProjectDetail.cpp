@@ -7,6 +7,7 @@
 #include "ui/Icons.h"
 #include "ui/TextLabel.h"
 #include "usage/SessionsView.h"
+#include "usage/UsageView.h"
 
 #include <QShortcut>
 #include <QTabBar>
@@ -47,10 +48,9 @@ QWidget *makeReview(const Project &, Store &)
                      u"The changes in this folder's Git work tree will show up here.");
 }
 
-QWidget *makeUsage(const Project &, Store &)
+QWidget *makeUsage(const Project &project, Store &store)
 {
-    return makeEmpty(u"chart.bar", u"Usage is not built yet",
-                     u"Tokens and cost of the last 30 days will show up here.");
+    return new UsageView(project, store);
 }
 
 QWidget *makeContext(const Project &project, Store &)

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/SegmentedSwitch.h"
+
+#include "ui/Colors.h"
+#include "ui/ToolTips.h"
+
+#include <QButtonGroup>
+#include <QHBoxLayout>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QRadioButton>
+#include <QToolTip>
+
+namespace {
+
+constexpr int margin = 2; // between the frame and a segment
+constexpr int padding = 8;
+constexpr qreal radius = 5;
+
+/// A radio button, because that is what assistive technology should take it for.
+class Segment : public QRadioButton {
+public:
+    Segment(const QString &label, QWidget *parent) : QRadioButton(parent), m_label(label)
+    {
+        QString text = label;
+        setText(text.replace(u'&', QStringLiteral("&&")));
+        setAccessibleName(label);
+        // Qt would let Tab stop at the first one, and then not at the chosen one any more.
+        setFocusPolicy(Qt::ClickFocus);
+        connect(this, &QRadioButton::toggled, this,
+                [this](bool chosen) { setFocusPolicy(chosen ? Qt::StrongFocus : Qt::ClickFocus); });
+        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // all are equally wide
+    }
+
+    QSize sizeHint() const override
+    {
+        const QFontMetrics metrics = fontMetrics();
+        return {metrics.horizontalAdvance(m_label) + 2 * padding, metrics.height() + 8};
+    }
+    QSize minimumSizeHint() const override { return {2 * padding, sizeHint().height()}; }
+
+protected:
+    bool hitButton(const QPoint &place) const override { return rect().contains(place); }
+
+    bool event(QEvent *event) override
+    {
+        if (event->type() != QEvent::ToolTip)
+            return QRadioButton::event(event);
+        const bool cut = shown() != m_label;
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(),
+                           cut ? plainToolTip(m_label) : QString(), this);
+        return true;
+    }
+
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        if (isChecked()) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(palette().highlight());
+            painter.drawRoundedRect(rect(), radius - margin, radius - margin);
+        }
+        if (hasFocus()) {
+            painter.setPen(
+                palette().color(isChecked() ? QPalette::HighlightedText : QPalette::Highlight));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), radius - margin,
+                                    radius - margin);
+        }
+        painter.setPen(
+            palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText));
+        painter.drawText(rect(), int(Qt::AlignCenter | Qt::TextSingleLine), shown());
+    }
+
+private:
+    QString shown() const
+    {
+        return fontMetrics().elidedText(m_label, Qt::ElideMiddle, width() - 2 * padding);
+    }
+
+    const QString m_label;
+};
+
+} // namespace
+
+SegmentedSwitch::SegmentedSwitch(const QStringList &labels, QWidget *parent)
+    : QWidget(parent)
+    , m_segments(new QButtonGroup(this))
+{
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setSpacing(margin);
+    for (const QString &label : labels) {
+        auto *segment = new Segment(label, this);
+        m_segments->addButton(segment, static_cast<int>(m_segments->buttons().size()));
+        layout->addWidget(segment, 1);
+    }
+    m_segments->button(0)->setChecked(true);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    connect(m_segments, &QButtonGroup::idToggled, this, [this](int segment, bool checked) {
+        if (checked)
+            Q_EMIT currentChanged(segment);
+    });
+}
+
+int SegmentedSwitch::current() const
+{
+    return m_segments->checkedId();
+}
+
+void SegmentedSwitch::setCurrent(int segment)
+{
+    m_segments->button(segment)->setChecked(true);
+}
+
+void SegmentedSwitch::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Colors::separator(palette()));
+    painter.setBrush(palette().button());
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+}
