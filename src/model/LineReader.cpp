@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -18,10 +19,21 @@ bool LineReader::open(const char *path, qint64 limit)
 {
     m_file = openRegularFile(path);
     m_left = limit;
+    m_read = m_position = 0;
     m_begin = m_scanned = m_end = 0;
     m_tooLong = m_failed = false;
     m_atEnd = !m_file.isOpen();
     return m_file.isOpen();
+}
+
+void LineReader::goTo(qint64 position, qint64 limit)
+{
+    m_failed = m_failed || ::lseek(m_file.get(), position, SEEK_SET) < 0;
+    m_left = limit;
+    m_read = m_position = position;
+    m_begin = m_scanned = m_end = 0;
+    m_tooLong = false;
+    m_atEnd = m_failed;
 }
 
 std::optional<std::string_view> LineReader::next()
@@ -40,6 +52,7 @@ std::optional<std::string_view> LineReader::next()
             return std::nullopt;
         const qint64 end = found ? static_cast<const char *>(found) - bytes : m_end;
         const std::string_view line(bytes + m_begin, static_cast<size_t>(end - m_begin));
+        m_position = m_read - m_end + m_begin;
         m_begin = m_scanned = found ? end + 1 : m_end;
         const bool restOfTooLong = std::exchange(m_tooLong, false);
         if (!line.empty() && !restOfTooLong)
@@ -64,6 +77,7 @@ bool LineReader::fill()
     if (count <= 0)
         return false;
     m_left -= count;
+    m_read += count;
     m_end += count;
     return true;
 }

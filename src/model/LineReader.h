@@ -31,6 +31,12 @@ public:
     /// after a read error. The text stays valid until the next call.
     std::optional<std::string_view> next();
 
+    /// Where in the file the line that next() gave begins.
+    qint64 position() const { return m_position; }
+
+    /// Starts anew in the same file, from one of its bytes, of which `limit` are read at most.
+    void goTo(qint64 position, qint64 limit);
+
     /// Whether reading failed somewhere in the file.
     bool failed() const { return m_failed; }
 
@@ -50,6 +56,8 @@ private:
     qint64 m_scanned = 0; // up to here there is no line feed
     qint64 m_end = 0;     // end of what has been read
     FileDescriptor m_file;
+    qint64 m_position = 0;  // of the line given last, in the file
+    qint64 m_read = 0;      // how much of the file has been read
     qint64 m_left = 0;      // bytes of the file that may still be read
     bool m_tooLong = false; // the line under way is longer than a line may be
     bool m_atEnd = true;

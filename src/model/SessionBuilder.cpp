@@ -16,13 +16,22 @@ bool isCommandTrace(const QString &prompt)
            prompt.startsWith(u"Caveat:");
 }
 
+std::optional<TimePoint> timeOf(const std::optional<simdjson::dom::element> &timestamp)
+{
+    const auto text = jsonAs<std::string_view>(timestamp);
+    if (!text)
+        return std::nullopt;
+    const std::optional<TimePoint> date = SessionParser::isoFrac(*text);
+    return date ? date : SessionParser::iso(*text);
+}
+
 } // namespace
 
 void SessionBuilder::add(const simdjson::dom::object &line)
 {
     const JsonFields<4> fields(line, {"timestamp", "type", "message", "isMeta"});
     // Every line with a time counts for the span of the session, whatever else it is.
-    const std::optional<TimePoint> date = addTime(jsonAs<std::string_view>(fields[0]));
+    const std::optional<TimePoint> date = addTime(timeOf(fields[0]));
     const auto type = jsonAs<std::string_view>(fields[1]);
     const auto message = jsonAs<simdjson::dom::object>(fields[2]);
     if (!type || !message)
@@ -31,6 +40,18 @@ void SessionBuilder::add(const simdjson::dom::object &line)
         addTurn(*message);
     else if (*type == "assistant")
         addUsage(*message, date);
+}
+
+std::optional<TimePoint> SessionBuilder::onlyTime(const simdjson::dom::object &beginning)
+{
+    const JsonFields<3> fields(beginning, {"timestamp", "type", "message"});
+    const auto message = jsonAs<simdjson::dom::object>(fields[2]);
+    if (jsonAs<std::string_view>(fields[1]) != "user" || !message)
+        return std::nullopt;
+    const JsonFields<1> content(*message, {"content"});
+    if (content[0] && SessionParser::promptText(*content[0]))
+        return std::nullopt;
+    return timeOf(fields[0]);
 }
 
 std::optional<Session> SessionBuilder::finish(const QString &id)
@@ -50,13 +71,8 @@ std::optional<Session> SessionBuilder::finish(const QString &id)
                    std::move(records)};
 }
 
-std::optional<TimePoint> SessionBuilder::addTime(std::optional<std::string_view> timestamp)
+std::optional<TimePoint> SessionBuilder::addTime(std::optional<TimePoint> date)
 {
-    if (!timestamp)
-        return std::nullopt;
-    std::optional<TimePoint> date = SessionParser::isoFrac(*timestamp);
-    if (!date)
-        date = SessionParser::iso(*timestamp);
     if (date) {
         m_start = std::min(m_start.value_or(*date), *date);
         m_end = std::max(m_end.value_or(*date), *date);

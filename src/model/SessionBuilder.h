@@ -19,11 +19,19 @@ public:
     /// Takes the next line of the log.
     void add(const simdjson::dom::object &line);
 
+    /// The time of a line of which only the beginning is known, if that time is all for which the
+    /// line can count: whatever follows, it holds neither a turn nor usage.
+    static std::optional<TimePoint> onlyTime(const simdjson::dom::object &beginning);
+
+    /// The earliest and the latest time so far.
+    std::optional<TimePoint> start() const { return m_start; }
+    std::optional<TimePoint> end() const { return m_end; }
+
     /// The session, or nothing when no line had a usable timestamp. Empties the builder.
     std::optional<Session> finish(const QString &id);
 
 private:
-    std::optional<TimePoint> addTime(std::optional<std::string_view> timestamp);
+    std::optional<TimePoint> addTime(std::optional<TimePoint> date);
     void addTurn(const simdjson::dom::object &message);
     void addUsage(const simdjson::dom::object &message, std::optional<TimePoint> date);
     void store(UsageRecord &&record, std::optional<std::string_view> messageId);

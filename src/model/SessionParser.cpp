@@ -2,7 +2,18 @@
 #include "model/SessionParser.h"
 
 #include "model/JsonFields.h"
-#include "model/SessionBuilder.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// A shorter line (in bytes) is read sooner than it is looked at.
+constexpr size_t worthPassingOver = 2048;
+/// Lines that may be the latest are read again from the file, so they must stay few.
+constexpr size_t mostLatest = 64;
+
+} // namespace
 
 static_assert(LineReader::padding >= simdjson::SIMDJSON_PADDING);
 
@@ -11,16 +22,68 @@ std::optional<Session> SessionReader::read(const std::filesystem::path &file, Ti
 {
     if (!m_lines.open(file.c_str()))
         return std::nullopt;
+    m_latest.clear();
     SessionBuilder session(now);
     while (const auto line = m_lines.next()) {
         if (stop.stop_requested())
             return std::nullopt;
+        if (passOver(*line, session))
+            continue;
         if (const auto object = m_json.object(*line))
             session.add(*object);
     }
+    readLatest(session);
     if (m_lines.failed())
         return std::nullopt;
     return session.finish(QString::fromStdString(file.stem().string()));
+}
+
+/// Whether the rest of a line can stay unread. Most bytes of a log are results of tools, and a line
+/// with such a result counts for its time only: for nothing, valid or not, when that lies between
+/// the times of lines that have been read. If it lies behind them, readLatest() returns to it.
+/// (A key written a second time behind the result is not seen. No JSON writer makes one.)
+bool SessionReader::passOver(std::string_view line, const SessionBuilder &session)
+{
+    // An unescaped quote behind a comma is never inside a text; and if this were a key of an inner
+    // object, the part before it would not be JSON when it is closed with a single brace.
+    constexpr std::string_view result = ",\"toolUseResult\":";
+    if (line.size() < worthPassingOver)
+        return false;
+    const void *found = ::memmem(line.data(), line.size(), result.data(), result.size());
+    if (!found)
+        return false;
+    const auto length = static_cast<size_t>(static_cast<const char *>(found) - line.data());
+    m_beginning.assign(line, 0, length);
+    m_beginning += '}';
+    m_beginning.append(LineReader::padding, ' ');
+    const auto object = m_json.object(std::string_view(m_beginning).substr(0, length + 1));
+    const auto date = object ? SessionBuilder::onlyTime(*object) : std::nullopt;
+    if (!date || !session.start() || *date < *session.start())
+        return false;
+    if (*date <= *session.end())
+        return true;
+    std::erase_if(m_latest, [&](const Latest &other) { return other.date <= *session.end(); });
+    if (m_latest.size() == mostLatest)
+        return false;
+    m_latest.push_back({*date, m_lines.position(), static_cast<qint64>(line.size())});
+    return true;
+}
+
+/// Reads those of the lines passed over that turned out to be later than all others, until one is
+/// right.
+void SessionReader::readLatest(SessionBuilder &session)
+{
+    std::sort(m_latest.begin(), m_latest.end(),
+              [](const Latest &a, const Latest &b) { return a.date > b.date; });
+    for (const Latest &latest : m_latest) {
+        if (m_lines.failed() || latest.date <= *session.end())
+            return;
+        m_lines.goTo(latest.position, latest.length);
+        const auto line = m_lines.next();
+        const auto object = line ? m_json.object(*line) : std::nullopt;
+        if (object)
+            session.add(*object);
+    }
 }
 
 namespace SessionParser {

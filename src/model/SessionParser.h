@@ -4,12 +4,15 @@
 #include "model/JsonLineParser.h"
 #include "model/LineReader.h"
 #include "model/Session.h"
+#include "model/SessionBuilder.h"
 
 #include <QString>
 
 #include <filesystem>
 #include <optional>
 #include <stop_token>
+#include <string>
+#include <vector>
 
 /// Reads session logs one after the other with the same buffers. One reader belongs to one thread.
 class SessionReader {
@@ -21,8 +24,20 @@ public:
                                 const std::stop_token &stop = {});
 
 private:
+    /// A line that was passed over although it may be the latest.
+    struct Latest {
+        TimePoint date;
+        qint64 position = 0;
+        qint64 length = 0;
+    };
+
+    bool passOver(std::string_view line, const SessionBuilder &session);
+    void readLatest(SessionBuilder &session);
+
     LineReader m_lines;
     JsonLineParser m_json;
+    std::string m_beginning;
+    std::vector<Latest> m_latest;
 };
 
 /// Session logs of Claude Code: text files with one JSON object per line.

@@ -548,7 +548,7 @@ void StoreTest::overlappingReloadsAllDeliver()
 
 void StoreTest::reloadThatEndsLastLeavesItsLists()
 {
-    writeLog(u"-slow/1.jsonl"_qs, logOf(u"/slow"_qs).repeated(300'000));
+    writeLog(u"-slow/1.jsonl"_qs, logOf(u"/slow"_qs).repeated(100'000));
     const auto store = newStore();
     QStringList finished;
     connect(store.get(), &Store::reloadFinished, store.get(), [&] {
