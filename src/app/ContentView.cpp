@@ -25,8 +25,9 @@ ContentView::ContentView(Store &store, QWidget *parent) : QMainWindow(parent), m
 {
     buildLayout();
     addShortcuts();
-    connect(&m_store, &Store::selectionChanged, this, &ContentView::updateDetail);
-    connect(&m_store, &Store::projectsChanged, this, &ContentView::updateDetail);
+    connect(&m_store, &Store::selectionChanged, this, &ContentView::followSelection);
+    connect(&m_store, &Store::projectsChanged, this, &ContentView::followSelection);
+    updateTitle();
     updateDetail();
 }
 
@@ -86,6 +87,18 @@ bool ContentView::eventFilter(QObject *watched, QEvent *event)
     return QMainWindow::eventFilter(watched, event);
 }
 
+/// The first project brings with it the window's first table and most of its fonts and symbols.
+/// Opened in steps with a painting between them, it keeps no click waiting; later ones open at
+/// once.
+void ContentView::followSelection()
+{
+    updateTitle();
+    if (m_detail)
+        updateDetail();
+    else
+        QTimer::singleShot(0, this, &ContentView::updateDetail);
+}
+
 /// Shows the selected project, in a detail of its own for each path, so that no tab keeps anything
 /// from one project to the next.
 void ContentView::updateDetail()
@@ -97,17 +110,21 @@ void ContentView::updateDetail()
     m_detail = selected ? new ProjectDetail(*selected, m_store, m_detailArea) : nullptr;
     if (m_detail)
         m_detailArea->addWidget(m_detail);
+    if (m_detail && before)
+        m_detail->showScreen();
+    else if (m_detail)
+        QTimer::singleShot(0, m_detail, &ProjectDetail::showScreen);
     m_detailArea->setCurrentWidget(m_detail ? m_detail : m_placeholder);
     if (before) {
         m_detailArea->removeWidget(before);
         before->deleteLater();
     }
-    updateTitle();
 }
 
 void ContentView::updateTitle()
 {
-    QString title = m_detail ? m_detail->project().name() : QStringLiteral("Plinthar");
+    const std::optional<Project> selected = m_store.selected();
+    QString title = selected ? selected->name() : QStringLiteral("Plinthar");
     // Qt would take this for its mark of a changed document.
     title.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
     setWindowTitle(title);

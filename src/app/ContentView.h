@@ -22,6 +22,7 @@ private:
     void buildLayout();
     QWidget *buildPlaceholder();
     void addShortcuts();
+    void followSelection();
     void updateDetail();
     void updateTitle();
 

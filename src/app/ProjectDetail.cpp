@@ -123,7 +123,6 @@ void ProjectDetail::buildTabs()
             i, QStringLiteral("%1 (%2)").arg(QString::fromUtf16(tabs[size_t(i)].label),
                                              shortcutOf(i).toString(QKeySequence::NativeText)));
     }
-    makeScreen(0);
     connect(m_tabs, &QTabWidget::currentChanged, this, &ProjectDetail::makeScreen);
 }
 
@@ -133,6 +132,11 @@ void ProjectDetail::addShortcuts()
         auto *shortcut = new QShortcut(shortcutOf(i), this);
         connect(shortcut, &QShortcut::activated, m_tabs, [this, i] { m_tabs->setCurrentIndex(i); });
     }
+}
+
+void ProjectDetail::showScreen()
+{
+    makeScreen(m_tabs->currentIndex());
 }
 
 void ProjectDetail::makeScreen(int tab)

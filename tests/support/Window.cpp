@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
+#include <QLayout>
 #include <QSignalSpy>
 
 namespace {
@@ -97,6 +98,7 @@ void Window::load()
     QSignalSpy finished(m_store.get(), &Store::reloadFinished);
     show();
     await([&finished] { return !finished.isEmpty(); }, "the first reload");
+    (void)detail();
 }
 
 void Window::reload()
@@ -104,6 +106,7 @@ void Window::reload()
     QSignalSpy finished(m_store.get(), &Store::reloadFinished);
     m_store->reload();
     await([&finished] { return !finished.isEmpty(); }, "a reload");
+    (void)detail();
 }
 
 void Window::destroy()
@@ -140,6 +143,14 @@ QMenu *Window::menuOf(int row)
 
 QWidget *Window::detail() const
 {
+    // The first project is opened in steps.
+    await(
+        [this] {
+            const auto *detail = m_view->findChild<ProjectDetail *>();
+            const auto *pages = detail ? detail->findChild<QTabWidget *>() : nullptr;
+            return pages ? !pages->currentWidget()->layout()->isEmpty() : !m_store->selected();
+        },
+        "the selected project");
     for (QWidget *widget : m_view->findChildren<ProjectDetail *>()) {
         if (widget->isVisible())
             return widget;
