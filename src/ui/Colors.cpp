@@ -10,6 +10,11 @@ QColor mixed(const QColor &a, const QColor &b, float shareOfA)
                             mix(a.blueF(), b.blueF()));
 }
 
+bool isDark(const QPalette &palette)
+{
+    return palette.color(QPalette::Base).lightnessF() < 0.5F;
+}
+
 } // namespace
 
 namespace Colors {
@@ -23,7 +28,7 @@ QColor secondaryText(const QPalette &palette, QPalette::ColorRole text,
 
 QColor hue(Hue hue, const QPalette &palette)
 {
-    const bool dark = palette.color(QPalette::Base).lightnessF() < 0.5F;
+    const bool dark = isDark(palette);
     switch (hue) {
     case Hue::Blue:
         return dark ? QColor(0x6c, 0xb0, 0xff) : QColor(0x0a, 0x60, 0xc8);
@@ -35,6 +40,13 @@ QColor hue(Hue hue, const QPalette &palette)
         return dark ? QColor(0xff, 0x8a, 0x80) : QColor(0xbe, 0x28, 0x20);
     }
     Q_UNREACHABLE();
+}
+
+QColor fill(Hue hue, const QPalette &palette)
+{
+    if (hue == Hue::Orange && !isDark(palette))
+        return QColor(0xd6, 0x64, 0x00); // 3 to 1 on a light grey
+    return Colors::hue(hue, palette);
 }
 
 QColor separator(const QPalette &palette)

@@ -12,11 +12,15 @@ namespace Colors {
 QColor secondaryText(const QPalette &palette, QPalette::ColorRole text = QPalette::WindowText,
                      QPalette::ColorRole background = QPalette::Window);
 
-/// The colours that mean something. Text and fills use the same.
+/// The colours that mean something.
 enum class Hue { Blue, Orange, Green, Red };
 
-/// A hue as it is readable on the palette's window and base colours, be they light or dark.
+/// A hue as text is readable in it on the palette's window and base colours, be they light or dark.
 QColor hue(Hue hue, const QPalette &palette);
+
+/// A hue for areas such as the bars of a chart. It needs less contrast than text, at which an
+/// orange on a light ground would be a brown.
+QColor fill(Hue hue, const QPalette &palette);
 
 /// For hairlines between the areas of a screen.
 QColor separator(const QPalette &palette);

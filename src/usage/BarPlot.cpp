@@ -159,8 +159,11 @@ void BarPlot::arrangeStanding()
     int widest = 0;
     for (const ChartContents::Label &label : m_contents.labels)
         widest = std::max(widest, metrics.horizontalAdvance(label.text));
-    // The labels of the first and the last day may be wider than the days.
-    const int left = std::max(widestOf(scale.labels, metrics) + labelDistance + 6, widest / 2);
+    // The days of the charts under one another stand in line as long as their numbers are no wider
+    // than this. The labels of the first and the last day may be wider than the days.
+    const int usual = metrics.horizontalAdvance(QStringLiteral("$0,000"));
+    const int values = std::max(widestOf(scale.labels, metrics), usual);
+    const int left = std::max(values + labelDistance + 6, widest / 2);
     const int right = std::max(leastMargin, widest / 2 + 2 - static_cast<int>(band() / 2));
     setMargins({left, top, right, bottom});
     chooseDayLabels(widest);
@@ -313,7 +316,7 @@ QString BarPlot::shortenedLabelAt(const QPoint &place)
 
 void BarPlot::setColors()
 {
-    const QColor fill = Colors::hue(m_hue, palette());
+    const QColor fill = Colors::fill(m_hue, palette());
     for (QCPBars *bars : std::as_const(m_levels)) {
         bars->setBrush(fill);
         bars->setPen(fill);

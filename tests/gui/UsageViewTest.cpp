@@ -196,7 +196,7 @@ private Q_SLOTS:
         QCOMPARE(m_tab->projectTokens()->contents().bars.size(), 1);
         QCOMPARE(m_tab->projectTokens()->contents().bars[0].name, u"zebra"_qs);
         QVERIFY(
-            !hasColor(m_tab->dayTokens(), Colors::hue(Colors::Hue::Blue, m_tab->view->palette())));
+            !hasColor(m_tab->dayTokens(), Colors::fill(Colors::Hue::Blue, m_tab->view->palette())));
     }
 
     void scopeSwitch()
@@ -468,10 +468,10 @@ private Q_SLOTS:
             palette.setColor(QPalette::Base, base);
             palette.setColor(QPalette::Window, base);
             QApplication::setPalette(palette);
-            QTRY_VERIFY(hasColor(m_tab->dayTokens(), Colors::hue(Colors::Hue::Blue, palette)));
-            QVERIFY(hasColor(m_tab->dayCost(), Colors::hue(Colors::Hue::Orange, palette)));
-            QVERIFY(hasColor(m_tab->projectTokens(), Colors::hue(Colors::Hue::Blue, palette)));
-            QVERIFY(hasColor(m_tab->projectCost(), Colors::hue(Colors::Hue::Orange, palette)));
+            QTRY_VERIFY(hasColor(m_tab->dayTokens(), Colors::fill(Colors::Hue::Blue, palette)));
+            QVERIFY(hasColor(m_tab->dayCost(), Colors::fill(Colors::Hue::Orange, palette)));
+            QVERIFY(hasColor(m_tab->projectTokens(), Colors::fill(Colors::Hue::Blue, palette)));
+            QVERIFY(hasColor(m_tab->projectCost(), Colors::fill(Colors::Hue::Orange, palette)));
         }
     }
 
@@ -480,7 +480,7 @@ private Q_SLOTS:
         const auto style = BarChart::Style();
         BarChart chart(u"Test"_qs, style);
         chart.resize(600, 180);
-        const QColor blue = Colors::hue(Colors::Hue::Blue, chart.palette());
+        const QColor blue = Colors::fill(Colors::Hue::Blue, chart.palette());
         chart.setContents(contentsOf({0, 0, 0}));
         QVERIFY(!hasColor(&chart, blue));
         chart.setContents(contentsOf({0, 1e-9, 0}));

@@ -99,6 +99,20 @@ private Q_SLOTS:
         }
     }
 
+    void fillsAreSeen_data() { addPalettes(); }
+
+    void fillsAreSeen()
+    {
+        QFETCH(QPalette, palette);
+        using Colors::Hue;
+        for (const Hue hue : {Hue::Blue, Hue::Orange, Hue::Green, Hue::Red}) {
+            const QColor color = Colors::fill(hue, palette);
+            QCOMPARE(color.hue() / 15, Colors::hue(hue, palette).hue() / 15);
+            for (const QPalette::ColorRole role : {QPalette::Window, QPalette::Base})
+                QVERIFY(contrast(color, palette.color(role)) >= 3);
+        }
+    }
+
     void huesDiffer_data() { addPalettes(); }
 
     void huesDiffer()
