@@ -56,6 +56,15 @@ qint64 readSome(const FileDescriptor &file, char *to, qint64 most)
     return count;
 }
 
+qint64 readSomeAt(const FileDescriptor &file, qint64 place, char *to, qint64 most)
+{
+    ssize_t count = 0;
+    do
+        count = ::pread(file.get(), to, static_cast<size_t>(most), place);
+    while (count < 0 && errno == EINTR);
+    return count;
+}
+
 std::optional<QByteArray> readSmallFile(const QString &path, qint64 limit)
 {
     const FileDescriptor file = openRegularFile(QFile::encodeName(path).constData());

@@ -27,6 +27,8 @@ FileDescriptor openRegularFile(const char *path);
 
 /// read() that is repeated when a signal interrupts it: bytes read, 0 at the end, -1 on an error.
 qint64 readSome(const FileDescriptor &file, char *to, qint64 most);
+/// The same from a place of a regular file, which several threads may read at once.
+qint64 readSomeAt(const FileDescriptor &file, qint64 place, char *to, qint64 most);
 
 /// The whole of a small regular file; nothing when it cannot be read or is larger than `limit`.
 std::optional<QByteArray> readSmallFile(const QString &path, qint64 limit);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -17,20 +16,30 @@ LineReader::LineReader(qint64 chunk) : m_chunk(chunk) {}
 
 bool LineReader::open(const char *path, qint64 limit)
 {
-    m_file = openRegularFile(path);
-    m_left = limit;
-    m_read = m_position = 0;
-    m_begin = m_scanned = m_end = 0;
-    m_tooLong = m_failed = false;
-    m_atEnd = !m_file.isOpen();
-    return m_file.isOpen();
+    m_own = openRegularFile(path);
+    m_file = &m_own;
+    m_failed = false;
+    m_stopAt = std::numeric_limits<qint64>::max();
+    goTo(0, limit);
+    m_atEnd = !m_own.isOpen();
+    return m_own.isOpen();
 }
 
-void LineReader::goTo(qint64 position, qint64 limit)
+void LineReader::open(const FileDescriptor &file, qint64 begin, qint64 end)
 {
-    m_failed = m_failed || ::lseek(m_file.get(), position, SEEK_SET) < 0;
+    m_own = FileDescriptor();
+    m_file = &file;
+    m_failed = false;
+    m_stopAt = end;
+    // The line that the byte before belongs to is passed over, like one that is too long.
+    goTo(std::max<qint64>(begin - 1, 0), std::numeric_limits<qint64>::max());
+    m_tooLong = begin > 0;
+}
+
+void LineReader::goTo(qint64 place, qint64 limit)
+{
     m_left = limit;
-    m_read = m_position = position;
+    m_read = m_position = place;
     m_begin = m_scanned = m_end = 0;
     m_tooLong = false;
     m_atEnd = m_failed;
@@ -38,7 +47,7 @@ void LineReader::goTo(qint64 position, qint64 limit)
 
 std::optional<std::string_view> LineReader::next()
 {
-    for (;;) {
+    while (m_read - m_end + m_begin < m_stopAt) {
         const char *bytes = m_buffer.get();
         const void *found = m_scanned < m_end ? std::memchr(bytes + m_scanned, '\n',
                                                             static_cast<size_t>(m_end - m_scanned))
@@ -58,6 +67,7 @@ std::optional<std::string_view> LineReader::next()
         if (!line.empty() && !restOfTooLong)
             return line;
     }
+    return std::nullopt;
 }
 
 /// Reads once more behind what is there. False at the end of the file and on an error.
@@ -72,7 +82,7 @@ bool LineReader::fill()
     if (m_failed)
         return false;
     const qint64 count =
-        readSome(m_file, m_buffer.get() + m_end, std::min(m_capacity - m_end, m_left));
+        readSomeAt(*m_file, m_read, m_buffer.get() + m_end, std::min(m_capacity - m_end, m_left));
     m_failed = count < 0;
     if (count <= 0)
         return false;

@@ -27,6 +27,10 @@ public:
     /// a regular file or cannot be opened.
     bool open(const char *path, qint64 limit = std::numeric_limits<qint64>::max());
 
+    /// Starts on a part of an open file: the lines whose first bytes lie in it. The file must
+    /// outlive the reading.
+    void open(const FileDescriptor &file, qint64 begin, qint64 end);
+
     /// The next line that is not empty, without its line feed; nothing at the end of the file and
     /// after a read error. The text stays valid until the next call.
     std::optional<std::string_view> next();
@@ -34,8 +38,8 @@ public:
     /// Where in the file the line that next() gave begins.
     qint64 position() const { return m_position; }
 
-    /// Starts anew in the same file, from one of its bytes, of which `limit` are read at most.
-    void goTo(qint64 position, qint64 limit);
+    /// Goes on from another place of the file, of which `limit` bytes are read at most.
+    void goTo(qint64 place, qint64 limit);
 
     /// Whether reading failed somewhere in the file.
     bool failed() const { return m_failed; }
@@ -55,9 +59,11 @@ private:
     qint64 m_begin = 0;   // where the next line begins
     qint64 m_scanned = 0; // up to here there is no line feed
     qint64 m_end = 0;     // end of what has been read
-    FileDescriptor m_file;
+    FileDescriptor m_own;
+    const FileDescriptor *m_file = &m_own;
     qint64 m_position = 0;  // of the line given last, in the file
-    qint64 m_read = 0;      // how much of the file has been read
+    qint64 m_read = 0;      // up to here the file has been read
+    qint64 m_stopAt = 0;    // a line that begins here belongs to another part
     qint64 m_left = 0;      // bytes of the file that may still be read
     bool m_tooLong = false; // the line under way is longer than a line may be
     bool m_atEnd = true;

@@ -6,8 +6,12 @@
 #include "model/PromptText.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace {
+
+/// Later than every time in a log.
+constexpr TimePoint farFuture = TimePoint::max();
 
 /// What Claude Code writes into user messages by itself: the traces of its own commands.
 bool isCommandTrace(const QString &prompt)
@@ -54,12 +58,39 @@ std::optional<TimePoint> SessionBuilder::onlyTime(const simdjson::dom::object &b
     return timeOf(fields[0]);
 }
 
+void SessionBuilder::append(SessionBuilder &&later)
+{
+    datesFollow(later.m_withId);
+    datesFollow(later.m_withoutId);
+    std::vector<const QByteArray *> ids(size_t(later.m_withId.list.size()));
+    for (auto id = later.m_placeOfId.cbegin(); id != later.m_placeOfId.cend(); ++id)
+        ids[size_t(*id)] = &id.key();
+    const auto take = [this](Records &records, qsizetype i, std::optional<std::string_view> id) {
+        UsageRecord &record = records.list[i];
+        record.model = shared(record.model);
+        store(std::move(record), !records.undated.contains(i), id);
+    };
+    for (qsizetype i = 0; i < later.m_withId.list.size(); ++i)
+        take(later.m_withId, i, std::string_view(*ids[size_t(i)]));
+    for (qsizetype i = 0; i < later.m_withoutId.list.size(); ++i)
+        take(later.m_withoutId, i, std::nullopt);
+    addTime(later.m_start);
+    addTime(later.m_end);
+    m_turns += later.m_turns;
+    if (m_firstPrompt.isEmpty())
+        m_firstPrompt = std::move(later.m_firstPrompt);
+}
+
 std::optional<Session> SessionBuilder::finish(const QString &id)
 {
     SessionBuilder lines = std::exchange(*this, SessionBuilder(m_now));
     if (!lines.m_start || !lines.m_end)
         return std::nullopt;
-    QList<UsageRecord> records = std::move(lines.m_withId) + std::move(lines.m_withoutId);
+    QList<UsageRecord> records = std::move(lines.m_withId.list) + std::move(lines.m_withoutId.list);
+    for (UsageRecord &record : records) {
+        if (record.date == farFuture)
+            record.date = m_now;
+    }
     std::stable_sort(records.begin(), records.end(),
                      [](const UsageRecord &a, const UsageRecord &b) { return a.date < b.date; });
     records.squeeze();
@@ -104,41 +135,56 @@ void SessionBuilder::addUsage(const simdjson::dom::object &message, std::optiona
         return;
     const JsonFields<4> counts(*usage, {"input_tokens", "output_tokens",
                                         "cache_creation_input_tokens", "cache_read_input_tokens"});
-    store({.date = date ? *date : m_start.value_or(m_now),
-           .model = shared(jsonAs<std::string_view>(fields[1]).value_or("")),
+    const auto model = jsonAs<std::string_view>(fields[1]).value_or("");
+    store({.date = date ? *date : m_start.value_or(farFuture),
+           .model = shared(QUtf8StringView(model.data(), static_cast<qsizetype>(model.size()))),
            .input = jsonCount(counts[0]),
            .output = jsonCount(counts[1]),
            .cacheWrite = jsonCount(counts[2]),
            .cacheRead = jsonCount(counts[3])},
-          jsonAs<std::string_view>(fields[2]));
+          date.has_value(), jsonAs<std::string_view>(fields[2]));
 }
 
 /// A message is logged again with every block it gains, each time with the counts so far: of the
 /// lines with one id the last one counts.
-void SessionBuilder::store(UsageRecord &&record, std::optional<std::string_view> messageId)
+void SessionBuilder::store(UsageRecord &&record, bool dated,
+                           std::optional<std::string_view> messageId)
 {
-    if (!messageId) {
-        m_withoutId.append(std::move(record));
-        return;
+    Records &records = messageId ? m_withId : m_withoutId;
+    qsizetype place = records.list.size();
+    if (messageId) {
+        const QByteArrayView bytes(*messageId);
+        const auto known =
+            m_placeOfId.constFind(QByteArray::fromRawData(bytes.data(), bytes.size()));
+        if (known != m_placeOfId.cend())
+            place = *known;
+        else
+            m_placeOfId.insert(bytes.toByteArray(), place);
     }
-    const auto length = static_cast<qsizetype>(messageId->size());
-    const auto known = m_placeOfId.constFind(QByteArray::fromRawData(messageId->data(), length));
-    if (known != m_placeOfId.cend()) {
-        m_withId[*known] = std::move(record);
-        return;
-    }
-    m_placeOfId.insert(QByteArray(messageId->data(), length), m_withId.size());
-    m_withId.append(std::move(record));
+    if (place < records.list.size())
+        records.list[place] = std::move(record);
+    else
+        records.list.append(std::move(record));
+    if (!dated)
+        records.undated.insert(place);
+    else if (!records.undated.isEmpty())
+        records.undated.remove(place);
 }
 
-QString SessionBuilder::shared(std::string_view model)
+/// Dates later records that have no time of their own by the lines here, too.
+void SessionBuilder::datesFollow(Records &records) const
 {
-    const QUtf8StringView name(model.data(), static_cast<qsizetype>(model.size()));
+    for (const qsizetype place : std::as_const(records.undated))
+        records.list[place].date = std::min(records.list[place].date, m_start.value_or(farFuture));
+}
+
+QString SessionBuilder::shared(QAnyStringView model)
+{
     const auto known =
         std::find_if(m_models.cbegin(), m_models.cend(),
-                     [name](const QString &other) { return QAnyStringView::equal(other, name); });
+                     [model](const QString &other) { return QAnyStringView::equal(other, model); });
     if (known != m_models.cend())
         return *known;
-    m_models.append(name.toString());
+    m_models.append(model.toString());
     return m_models.constLast();
 }

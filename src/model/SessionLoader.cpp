@@ -8,7 +8,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <numeric>
+#include <deque>
+#include <limits>
 #include <thread>
 
 namespace {
@@ -38,28 +39,99 @@ std::vector<Log> listLogs(const QList<Project> &projects, const std::stop_token 
     return logs;
 }
 
-/// Reads all logs. Each worker takes the next log that nobody has taken and writes only to that
-/// log's place, so that no two of them ever share anything.
+/// A log so large that its parts are read on several cores.
+struct SplitLog {
+    Log *log;
+    FileDescriptor file;
+    std::vector<std::optional<SessionBuilder>> parts;
+
+    void join()
+    {
+        const auto missing = [](const std::optional<SessionBuilder> &part) { return !part; };
+        if (std::any_of(parts.cbegin(), parts.cend(), missing))
+            return;
+        for (size_t i = 1; i < parts.size(); ++i)
+            parts.front()->append(std::move(*parts[i]));
+        log->session = parts.front()->finish(QString::fromStdString(log->file.stem().string()));
+    }
+};
+
+/// What one worker reads at a time: a log, or one part of a split one.
+struct Task {
+    Log *log;
+    SplitLog *split = nullptr;
+    size_t part = 0;
+    std::uintmax_t begin = 0;
+    std::uintmax_t size = 0;
+
+    void run(SessionReader &reader, TimePoint now, const std::stop_token &stop) const
+    {
+        if (!split) {
+            log->session = reader.read(log->file, now, stop);
+            return;
+        }
+        // The last part also has what is written to the log from now on.
+        const bool last = part + 1 == split->parts.size();
+        const auto end = last ? std::numeric_limits<qint64>::max() : qint64(begin + size);
+        split->parts[part] = reader.readPart(split->file, qint64(begin), end, now, stop);
+    }
+};
+
+/// All work of one reload, in parts that differ so little that no core is left without work while
+/// another one reads a huge log.
+struct Plan {
+    std::deque<SplitLog> splits; // which never move
+    std::vector<Task> tasks;     // the largest first
+};
+
+Plan makePlan(std::vector<Log> &logs, size_t workers)
+{
+    constexpr std::uintmax_t smallestPart = 16 << 20; // bytes; below, splitting costs more
+    std::uintmax_t total = 0;
+    for (const Log &log : logs)
+        total += log.size;
+    const std::uintmax_t most = std::max(smallestPart, total / (4 * workers));
+    Plan plan;
+    for (Log &log : logs) {
+        const size_t parts = size_t(log.size / most) + 1;
+        if (parts == 1 || workers == 1) {
+            plan.tasks.push_back({.log = &log, .size = log.size});
+            continue;
+        }
+        SplitLog &split = plan.splits.emplace_back(SplitLog{&log, openRegularFile(log.file.c_str()), {}});
+        if (!split.file.isOpen())
+            continue;
+        split.parts.resize(parts);
+        const std::uintmax_t size = log.size / parts;
+        for (size_t i = 0; i < parts; ++i)
+            plan.tasks.push_back({&log, &split, i, i * size, size});
+    }
+    std::stable_sort(plan.tasks.begin(), plan.tasks.end(),
+                     [](const Task &a, const Task &b) { return a.size > b.size; });
+    return plan;
+}
+
+/// Reads all logs. Each worker takes the next task that nobody has taken and writes only to that
+/// task's place, so that no two of them ever share anything.
 void readLogs(std::vector<Log> &logs, const std::stop_token &stop)
 {
-    std::vector<size_t> largestFirst(logs.size());
-    std::iota(largestFirst.begin(), largestFirst.end(), size_t(0));
-    std::stable_sort(largestFirst.begin(), largestFirst.end(),
-                     [&logs](size_t a, size_t b) { return logs[a].size > logs[b].size; });
+    const auto cores = size_t(QThread::idealThreadCount());
+    Plan plan = makePlan(logs, cores);
     std::atomic<size_t> taken = 0;
     const TimePoint now = currentTime();
-    const auto work = [&logs, &largestFirst, &taken, &stop, now] {
+    const auto work = [&plan, &taken, &stop, now] {
         SessionReader reader;
-        for (size_t i = taken++; i < largestFirst.size() && !stop.stop_requested(); i = taken++) {
-            Log &log = logs[largestFirst[i]];
-            log.session = reader.read(log.file, now, stop);
-        }
+        for (size_t i = taken++; i < plan.tasks.size() && !stop.stop_requested(); i = taken++)
+            plan.tasks[i].run(reader, now, stop);
     };
-    const auto workers = std::min<size_t>(logs.size(), size_t(QThread::idealThreadCount()));
-    std::vector<std::jthread> helpers;
-    for (size_t i = 1; i < workers; ++i)
-        helpers.emplace_back(work);
-    work();
+    {
+        std::vector<std::jthread> helpers;
+        for (size_t i = 1; i < std::min(plan.tasks.size(), cores); ++i)
+            helpers.emplace_back(work);
+        work();
+    }
+    for (SplitLog &split : plan.splits)
+        split.join();
 }
 
 void sortNewestFirst(QList<Session> &sessions)

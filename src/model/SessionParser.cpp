@@ -20,22 +20,37 @@ static_assert(LineReader::padding >= simdjson::SIMDJSON_PADDING);
 std::optional<Session> SessionReader::read(const std::filesystem::path &file, TimePoint now,
                                            const std::stop_token &stop)
 {
-    if (!m_lines.open(file.c_str()))
-        return std::nullopt;
-    m_latest.clear();
     SessionBuilder session(now);
+    if (!m_lines.open(file.c_str()) || !readLines(session, stop))
+        return std::nullopt;
+    return session.finish(QString::fromStdString(file.stem().string()));
+}
+
+std::optional<SessionBuilder> SessionReader::readPart(const FileDescriptor &log, qint64 begin,
+                                                      qint64 end, TimePoint now,
+                                                      const std::stop_token &stop)
+{
+    SessionBuilder session(now);
+    m_lines.open(log, begin, end);
+    if (!readLines(session, stop))
+        return std::nullopt;
+    return session;
+}
+
+/// Takes all lines. False when reading failed or was stopped.
+bool SessionReader::readLines(SessionBuilder &session, const std::stop_token &stop)
+{
+    m_latest.clear();
     while (const auto line = m_lines.next()) {
         if (stop.stop_requested())
-            return std::nullopt;
+            return false;
         if (passOver(*line, session))
             continue;
         if (const auto object = m_json.object(*line))
             session.add(*object);
     }
     readLatest(session);
-    if (m_lines.failed())
-        return std::nullopt;
-    return session.finish(QString::fromStdString(file.stem().string()));
+    return !m_lines.failed();
 }
 
 /// Whether the rest of a line can stay unread. Most bytes of a log are results of tools, and a line

@@ -23,6 +23,11 @@ public:
     std::optional<Session> read(const std::filesystem::path &file, TimePoint now,
                                 const std::stop_token &stop = {});
 
+    /// Reads a part of an open log: the lines whose first bytes lie in it. Nothing where read()
+    /// would give nothing. What the parts give makes, appended in order, the session of the whole.
+    std::optional<SessionBuilder> readPart(const FileDescriptor &log, qint64 begin, qint64 end,
+                                           TimePoint now, const std::stop_token &stop = {});
+
 private:
     /// A line that was passed over although it may be the latest.
     struct Latest {
@@ -31,6 +36,7 @@ private:
         qint64 length = 0;
     };
 
+    bool readLines(SessionBuilder &session, const std::stop_token &stop);
     bool passOver(std::string_view line, const SessionBuilder &session);
     void readLatest(SessionBuilder &session);
 

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void handsOutTheLinesWhateverTheChunk();
     void randomContentWhateverTheChunk();
     void stopsAtTheLimit();
+    void everyLineBelongsToOnePart();
     void bytesBehindALineAreReadable();
     void oneReaderReadsManyFiles();
     void smallLinesAroundAHugeOne();
@@ -118,6 +119,28 @@ void LineReaderTest::stopsAtTheLimit()
         LineReader reader(chunk);
         for (qsizetype limit = 0; limit <= content.size() + 1; ++limit)
             QCOMPARE(linesOf(reader, limit), split(content.left(limit)));
+    }
+}
+
+void LineReaderTest::everyLineBelongsToOnePart()
+{
+    const QByteArray content = "one\n\nthree\nfour\n" + QByteArray(100, 'x') + "\nlast";
+    writeFile(m_path, content);
+    const FileDescriptor file = openRegularFile(QFile::encodeName(m_path).constData());
+    for (const qint64 chunk : {1, 3, 4096}) {
+        LineReader reader(chunk);
+        for (qint64 cut = 0; cut <= content.size() + 1; ++cut) {
+            QByteArrayList lines;
+            for (const auto &[begin, end] : {std::pair(qint64(0), cut), {cut, wholeFile}}) {
+                reader.open(file, begin, end);
+                while (const auto line = reader.next()) {
+                    QVERIFY(reader.position() >= begin && reader.position() < end);
+                    lines.append(bytesOf(*line));
+                }
+                QVERIFY(!reader.failed());
+            }
+            QCOMPARE(lines, split(content));
+        }
     }
 }
 

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void projectsMayShareAFolder();
     void findsProjectsAndReadsTheirSessions();
     void resultDoesNotDependOnTheThreads();
+    void hugeLogIsReadWhole();
     void stopsWhenAsked();
     void logsThatChangeMeanwhile();
 
@@ -172,6 +173,30 @@ void SessionLoaderTest::resultDoesNotDependOnTheThreads()
     }
     for (int run = 0; run < 20; ++run)
         QCOMPARE(describe(SessionLoader::loadSessions(projects)), describe(expected));
+}
+
+/// A log of this size is read in parts where there is more than one core.
+void SessionLoaderTest::hugeLogIsReadWhole()
+{
+    QByteArray content;
+    for (int i = 0; content.size() < 100'000'000; ++i) {
+        content +=
+            LogLines::assistant(
+                i % 7 ? u"2025-01-01T%1:%2:00Z"_qs.arg(10 + i % 10).arg(i % 60, 2, 10, QChar(u'0'))
+                      : QString(),
+                u"opus"_qs, {i, 2, 3, 4}, QString::number(i / 3 % 5'000)) +
+            '\n';
+        content += R"({"type":"system","content":")" + QByteArray(5'000, 'x') + "\"}\n";
+    }
+    writeLog(u"-p/1.jsonl"_qs, logFrom(0) + content);
+    writeLog(u"-p/2.jsonl"_qs, logFrom(0));
+    const auto expected =
+        SessionParser::parse(m_home->claude(u"-p/1.jsonl"_qs).toStdString(), currentTime());
+    QVERIFY(expected && expected->records.size() > 1'000);
+    const LoadedProjects loaded = SessionLoader::load({}, m_home->claude());
+    const QList<Session> sessions = loaded.sessions.value(u"/p"_qs);
+    QCOMPARE(sessions.size(), 2);
+    QVERIFY(describe(sessions).contains(describe(*expected)));
 }
 
 void SessionLoaderTest::stopsWhenAsked()

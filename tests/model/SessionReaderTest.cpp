@@ -68,6 +68,8 @@ private Q_SLOTS:
     void moreLateLinesThanAreRemembered();
     void lateLinesOfOneLogAreNotSeenInTheNext();
     void randomLogs();
+    void partsMakeTheWhole();
+    void partsOfALogThatCannotBeRead();
     void randomDamage();
 
 private:
@@ -200,6 +202,7 @@ void SessionReaderTest::lateLinesOfOneLogAreNotSeenInTheNext()
 /// Lines of every kind in any order, with times in any order.
 static QByteArray randomLog(QRandomGenerator &random)
 {
+    const QString ids[] = {{}, {}, u"a"_qs, u"b"_qs, u"c"_qs, u"d"_qs};
     QByteArray content;
     for (quint32 count = random.bounded(1, 40); count > 0; --count) {
         const int minute = random.bounded(1'440);
@@ -209,9 +212,10 @@ static QByteArray randomLog(QRandomGenerator &random)
             content += at(minute);
             break;
         case 1:
-            content += LogLines::assistant(random.bounded(2) ? QString::fromLatin1(time(minute))
-                                                             : QString(),
-                                           u"opus"_qs, {minute, 2, 3, 4});
+            content += LogLines::assistant(
+                random.bounded(2) ? QString::fromLatin1(time(minute)) : QString(),
+                random.bounded(2) ? u"opus"_qs : u"sonnet"_qs, {minute, 2, 3, 4},
+                ids[random.bounded(int(std::size(ids)))]);
             break;
         case 2:
             content += toolLine(minute, rest, random.bounded(2) ? "\"prompt\"" : "[]");
@@ -237,6 +241,41 @@ void SessionReaderTest::randomLogs()
         if (found != readPlainly(content))
             QFAIL(qPrintable(u"round %1\n%2\n%3"_qs.arg(round).arg(found, readPlainly(content))));
     }
+}
+
+/// However a log is cut, the parts together say what it says as a whole: of a message on both sides
+/// of a cut the last line counts, a record without a time gets that of the lines before the cut,
+/// the first prompt is that of the first part which has one.
+void SessionReaderTest::partsMakeTheWhole()
+{
+    QRandomGenerator random(3);
+    SessionReader reader(4'096);
+    for (int round = 0; round < 500; ++round) {
+        const QByteArray content = randomLog(random);
+        const QString whole = read(content);
+        std::vector<qint64> cuts = {0, std::numeric_limits<qint64>::max()};
+        for (quint32 count = random.bounded(1, 12); count > 0; --count)
+            cuts.push_back(random.bounded(int(content.size()) + 1));
+        std::sort(cuts.begin(), cuts.end());
+        const FileDescriptor file = openRegularFile(qPrintable(m_path));
+        SessionBuilder session(now);
+        for (size_t i = 1; i < cuts.size(); ++i) {
+            auto part = reader.readPart(file, cuts[i - 1], cuts[i], now);
+            QVERIFY(part);
+            session.append(std::move(*part));
+        }
+        const QString joined = describe(session.finish(u"log"_qs));
+        if (joined != whole)
+            QFAIL(qPrintable(u"round %1\n%2\n%3"_qs.arg(round).arg(joined, whole)));
+    }
+}
+
+void SessionReaderTest::partsOfALogThatCannotBeRead()
+{
+    const FileDescriptor file = openRegularFile(qPrintable(fileWithReadErrors()));
+    QVERIFY(file.isOpen());
+    QVERIFY(!SessionReader().readPart(file, 0, 100, now));
+    QVERIFY(!SessionReader().readPart(file, 100, 200, now));
 }
 
 /// Whether two lines ran into each other in such a way that one object may have a key twice. What
