@@ -5,6 +5,7 @@
 
 #include "app/ContentView.h"
 #include "interface/BusyProbe.h"
+#include "interface/RunUntil.h"
 #include "model/Store.h"
 #include "support/CorpusOptions.h"
 #include "support/Figures.h"
@@ -13,9 +14,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QEventLoop>
 #include <QJsonArray>
-#include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
@@ -32,24 +31,6 @@ bool tableIsFilled(const ContentView &window)
 {
     const auto *table = window.findChild<QAbstractItemView *>(QStringLiteral("sessionsTable"));
     return table && table->isVisible() && table->model()->rowCount() > 0;
-}
-
-/// Lets the event loop run until the condition holds, and a little longer for what follows from it.
-template <typename Condition>
-void runUntil(Condition condition)
-{
-    constexpr int often = 20;
-    constexpr int afterwards = 300;
-    QEventLoop loop;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
-        if (!condition())
-            return;
-        timer.stop();
-        QTimer::singleShot(afterwards, &loop, &QEventLoop::quit);
-    });
-    timer.start(often);
-    loop.exec();
 }
 
 std::vector<Stretch> recordUntilFilled(const Store &store, const ContentView &window)

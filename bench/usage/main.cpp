@@ -6,6 +6,7 @@
 
 #include "app/ContentView.h"
 #include "interface/BusyProbe.h"
+#include "interface/RunUntil.h"
 #include "model/Store.h"
 #include "support/Figures.h"
 #include "support/ScratchHome.h"
@@ -17,7 +18,6 @@
 #include <QCommandLineParser>
 #include <QDateTime>
 #include <QDir>
-#include <QEventLoop>
 #include <QFile>
 #include <QTabWidget>
 #include <QTimer>
@@ -65,23 +65,6 @@ bool writeLogs(const ScratchHome &home, int projects, int records)
             return false;
     }
     return true;
-}
-
-template <typename Condition>
-void runUntil(Condition condition)
-{
-    constexpr int often = 20;
-    constexpr int afterwards = 200;
-    QEventLoop loop;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
-        if (!condition())
-            return;
-        timer.stop();
-        QTimer::singleShot(afterwards, &loop, &QEventLoop::quit);
-    });
-    timer.start(often);
-    loop.exec();
 }
 
 template <typename Widget>
