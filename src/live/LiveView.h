@@ -21,9 +21,8 @@ class TextLabel;
 class LiveView : public QWidget {
     Q_OBJECT
 public:
-    explicit LiveView(
-        const Project &project, ScanLoop::Scanner scanner = [] { return ProcessScanner::scan(); },
-        QWidget *parent = nullptr);
+    explicit LiveView(const Project &project, ScanLoop::Scanner scanner = scanMachine,
+                      QWidget *parent = nullptr);
 
 protected:
     void showEvent(QShowEvent *event) override;

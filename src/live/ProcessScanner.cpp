@@ -105,9 +105,11 @@ QString lsofOf(const ProcessScanner::Tools &tools)
 
 namespace ProcessScanner {
 
-QList<AgentProcess> scan(const Tools &tools)
+QList<AgentProcess> scan(const Tools &tools, BootTicks *seenAt)
 {
     const ShellResult ps = runProcess(tools.ps, psArguments());
+    if (seenAt) // before lsof, which a dead network folder can hold up for as long as it likes
+        *seenAt = bootTicks();
     if (ps.status != 0)
         return {};
     QList<AgentProcess> agents = parsePs(ps.out, ::getpid());

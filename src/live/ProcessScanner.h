@@ -2,6 +2,7 @@
 #pragma once
 
 #include "live/AgentProcess.h"
+#include "live/ProcessHandle.h"
 
 #include <QHash>
 #include <QStringList>
@@ -17,8 +18,9 @@ struct Tools {
 };
 
 /// Runs ps, and lsof if there are agents. Highest CPU share first; empty when ps fails. Takes as
-/// long as the two commands do: for background threads only.
-QList<AgentProcess> scan(const Tools &tools = {});
+/// long as the two commands do: for background threads only. `seenAt` becomes the time by which ps
+/// had seen the agents: a process that was started later is none of them, whatever its number.
+QList<AgentProcess> scan(const Tools &tools = {}, BootTicks *seenAt = nullptr);
 
 /// ps's arguments, for every process with what parsePs() reads.
 QStringList psArguments();

@@ -1,7 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "live/ScanLoop.h"
 
+#include "live/ProcessScanner.h"
 #include "model/Background.h"
+
+Scan scanMachine()
+{
+    Scan scan;
+    scan.agents = ProcessScanner::scan({}, &scan.at);
+    return scan;
+}
 
 ScanLoop::ScanLoop(Scanner scanner, QObject *parent)
     : QObject(parent)
@@ -51,9 +59,7 @@ void ScanLoop::scan()
         [scanner = m_scanner](const std::stop_token &token) {
             if (token.stop_requested()) // it may have waited for a thread
                 return Scan();
-            Scan scan{scanner(), 0};
-            scan.at = bootTicks();
-            return scan;
+            return scanner();
         },
         [this, stop](const Scan &scan) { take(scan, stop); });
 }

@@ -3,7 +3,6 @@
 
 #include "live/AgentProcess.h"
 #include "live/ProcessHandle.h"
-#include "live/ProcessScanner.h"
 
 #include <QObject>
 #include <QTimer>
@@ -17,16 +16,18 @@ struct Scan {
     BootTicks at = 0; ///< by then the agents were there
 };
 
+/// Looks for what runs on this machine.
+Scan scanMachine();
+
 /// Scans again and again in the background while it is started, two seconds after the end of the
 /// scan before. Scans never overlap. Lives on the interface thread.
 class ScanLoop : public QObject {
     Q_OBJECT
 public:
     /// Called on background threads.
-    using Scanner = std::function<QList<AgentProcess>()>;
+    using Scanner = std::function<Scan()>;
 
-    explicit ScanLoop(
-        Scanner scanner = [] { return ProcessScanner::scan(); }, QObject *parent = nullptr);
+    explicit ScanLoop(Scanner scanner = scanMachine, QObject *parent = nullptr);
     ~ScanLoop() override;
 
     /// Scans, and goes on. When a scan from before a stop() is still under way, after its end.

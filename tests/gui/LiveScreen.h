@@ -42,7 +42,7 @@ public:
                 state->gate.acquire();
             const QMutexLocker lock(&state->mutex);
             ++state->ended;
-            return state->agents;
+            return Scan{state->agents, bootTicks()};
         };
     }
     void state(const QList<AgentProcess> &agents)

@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <optional>
 #include <unistd.h>
@@ -107,6 +108,7 @@ private Q_SLOTS:
     void realAgents();
     void realAgentOfAnotherUser();
     void realAgentThatEnds();
+    void knowsWhenTheAgentsWereSeen();
 };
 
 void ProcessScannerTest::commands()
@@ -448,6 +450,33 @@ void ProcessScannerTest::realAgentThatEnds()
     const std::optional<AgentProcess> seen = withPid(agents, pid);
     QVERIFY(seen);
     QCOMPARE(seen->folder, dash);
+}
+
+void ProcessScannerTest::knowsWhenTheAgentsWereSeen()
+{
+    // A process that is started while lsof runs may have got the number of an agent that has ended
+    // since ps has seen it. It must not pass for that agent.
+    const PrivateHome home;
+    const StubTools stubs(home.path(QStringLiteral("tools")));
+    stubs.make("ps", "30 1.0 00:01 claude\n");
+    const QString begun = home.path(QStringLiteral("begun"));
+    const QString mayEnd = home.path(QStringLiteral("may end"));
+    writeFile(stubs.tools.lsof, "#!/bin/sh\n: >'" + begun.toUtf8() + "'\nwhile [ ! -e '" +
+                                    mayEnd.toUtf8() + "' ]; do sleep 0.02; done\n");
+    QFile::setPermissions(stubs.tools.lsof, QFile::ReadOwner | QFile::ExeOwner);
+    const AgentDouble before(QStringLiteral("claude"), home.path());
+    BootTicks seenAt = 0;
+    const std::unique_ptr<QThread> thread(QThread::create([&] { scan(stubs.tools, &seenAt); }));
+    thread->start();
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(begun), 60'000);
+    QTest::qWait(50); // several of the kernel's ticks
+    AgentDouble during(QStringLiteral("claude"), home.path());
+    writeFile(mayEnd, "");
+    thread->wait();
+    QCOMPARE(ProcessHandle(during.pid(), seenAt).terminate(), ESRCH);
+    QTest::qWait(100);
+    QVERIFY(during.isRunning());
+    QCOMPARE(ProcessHandle(before.pid(), seenAt).terminate(), 0);
 }
 
 PLINTHAR_TEST_MAIN(ProcessScannerTest)

@@ -27,7 +27,7 @@ public:
             const qint32 number = ++state->calls;
             state->gate.acquire();
             --state->running;
-            return QList<AgentProcess>{{number, QStringLiteral("claude"), QString(), 0, QString()}};
+            return Scan{{{number, QStringLiteral("claude"), QString(), 0, QString()}}, bootTicks()};
         };
     }
     void letGo(int calls = 1) { m_state->gate.release(calls); }
