@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "context/InstructionFile.h"
 
+#include "context/FileAttributes.h"
 #include "model/Files.h"
 
 #include <QFile>
@@ -115,24 +116,30 @@ int writeNew(const fs::path &path, const QByteArray &bytes)
     return error;
 }
 
-/// Gives a new file owner and mode of the one that it will replace.
-bool makeAlike(int file, const struct stat &old)
+/// The file that is to be replaced.
+struct OldFile {
+    const FileDescriptor &file;
+    struct stat info = {};
+};
+
+/// Gives a new file everything but the content of the one that it will replace.
+bool makeAlike(int file, const OldFile &old)
 {
     struct stat now = {};
     if (::fstat(file, &now) != 0)
         return false;
-    if ((now.st_uid != old.st_uid || now.st_gid != old.st_gid) &&
-        ::fchown(file, old.st_uid, old.st_gid) != 0)
+    if ((now.st_uid != old.info.st_uid || now.st_gid != old.info.st_gid) &&
+        ::fchown(file, old.info.st_uid, old.info.st_gid) != 0)
         return false;
-    // The mode after the owner, since a change of owner takes bits from it.
-    return ::fchmod(file, old.st_mode & 07777) == 0 && ::fstat(file, &now) == 0 &&
-           now.st_mode == old.st_mode;
+    // The mode at the end: a change of owner takes bits from it, and an access list is part of it.
+    return copyAttributes(old.file.get(), file) && ::fchmod(file, old.info.st_mode & 07777) == 0 &&
+           ::fstat(file, &now) == 0 && now.st_mode == old.info.st_mode;
 }
 
 /// Writes a side file that then takes the place of the file, which exists if there is an `old`.
 /// False when there can be no such side file: then nothing has happened. Otherwise `error` is an
 /// error number or 0.
-bool replace(const fs::path &path, const struct stat *old, const QByteArray &bytes, int *error)
+bool replace(const fs::path &path, const OldFile *old, const QByteArray &bytes, int *error)
 {
     // Without the fallback of QSaveFile: it empties the file before it writes, so that on a full
     // disk both texts would be lost. And written by hand, since it tells no reason for a write that
@@ -150,17 +157,18 @@ int saveNew(const fs::path &path, const QByteArray &bytes)
     return replace(path, nullptr, bytes, &error) ? error : writeNew(path, bytes);
 }
 
-int saveExisting(const fs::path &path, const struct stat &old, const QByteArray &bytes)
+int saveExisting(const fs::path &path, const QByteArray &bytes)
 {
     // Replacing asks for rights on the folder only, so ask for those on the file.
     const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!file.isOpen())
+    OldFile old{file};
+    if (!file.isOpen() || ::fstat(file.get(), &old.info) != 0)
         return errno;
     int error = 0;
     // A side file would take over one of several names and leave the others with the old text.
-    if (old.st_nlink == 1 && replace(path, &old, bytes, &error))
+    if (old.info.st_nlink == 1 && replace(path, &old, bytes, &error))
         return error;
-    return overwrite(file.get(), old.st_size, bytes);
+    return overwrite(file.get(), old.info.st_size, bytes);
 }
 
 int save(const fs::path &path, const QByteArray &bytes)
@@ -176,7 +184,7 @@ int save(const fs::path &path, const QByteArray &bytes)
     if (S_ISDIR(old.st_mode))
         return EISDIR;
     // Of a FIFO, a socket or a device the system would say much the same when asked to seek.
-    return S_ISREG(old.st_mode) ? saveExisting(target, old, bytes) : ESPIPE;
+    return S_ISREG(old.st_mode) ? saveExisting(target, bytes) : ESPIPE;
 }
 
 } // namespace

@@ -14,7 +14,7 @@ struct InstructionText {
 InstructionText readInstructions(const QString &path);
 
 /// Makes the bytes the content of the file, and missing folders on the way to it. A symbolic link
-/// stays and the file that it leads to changes; mode, owner and further names of the file stay.
-/// The old content stays whole when this fails. Returns the system's text for the error, in one
-/// line, or nothing when all went well.
+/// stays and the file that it leads to changes; mode, owner, access lists and other attributes, and
+/// further names of the file stay. The old content stays whole when this fails. Returns the
+/// system's text for the error, in one line, or nothing when all went well.
 std::optional<QString> saveInstructions(const QString &path, const QByteArray &bytes);

@@ -8,11 +8,13 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <array>
 #include <csignal>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace {
@@ -22,6 +24,40 @@ struct stat infoOf(const QString &path)
     struct stat info = {};
     ::lstat(QFile::encodeName(path).constData(), &info);
     return info;
+}
+
+const char accessList[] = "system.posix_acl_access";
+const char listForNewFiles[] = "system.posix_acl_default";
+
+bool setAttribute(const QString &path, const char *name, const QByteArray &value)
+{
+    return ::setxattr(QFile::encodeName(path).constData(), name, value.constData(),
+                      size_t(value.size()), 0) == 0;
+}
+
+/// The value of a file's extended attribute; null when it has none.
+QByteArray attribute(const QString &path, const char *name)
+{
+    std::array<char, 256> value;
+    const ssize_t size =
+        ::getxattr(QFile::encodeName(path).constData(), name, value.data(), value.size());
+    return size < 0 ? QByteArray() : QByteArray(value.data(), size);
+}
+
+/// An access control list as the kernel takes it: user 1234 may read too, and all others nothing.
+QByteArray listWithAFurtherReader()
+{
+    struct Entry {
+        quint16 tag;
+        quint16 rights;
+        quint32 id;
+    };
+    constexpr quint32 noId = 0xffffffff;
+    const std::array<Entry, 5> entries{
+        {{1, 6, noId}, {2, 4, 1234}, {4, 0, noId}, {0x10, 4, noId}, {0x20, 0, noId}}};
+    const quint32 version = 2;
+    return QByteArray(reinterpret_cast<const char *>(&version), sizeof version) +
+           QByteArray(reinterpret_cast<const char *>(entries.data()), sizeof entries);
 }
 
 /// While it lives, no file can grow beyond that size: a disk that is full.
@@ -67,6 +103,10 @@ private Q_SLOTS:
     void ownerStays();
     void ownerStaysWhereItCannotBeGiven();
     void furtherNamesStay();
+    void attributesStay();
+    void accessControlListsStay();
+    void aListForNewFilesIsNotForOldOnes();
+    void worksWhereAttributesCannotBeRead();
     void leavesNothingBehind();
     void aFullDiskLeavesTheOldFile_data();
     void aFullDiskLeavesTheOldFile();
@@ -272,6 +312,71 @@ void InstructionFileTest::furtherNamesStay()
         QCOMPARE(readFile(path(m_name)), text);
         QCOMPARE(readFile(path(u"AGENTS.md"_qs)), text);
     }
+}
+
+void InstructionFileTest::attributesStay()
+{
+    writeFile(path(m_name), "old");
+    if (!setAttribute(path(m_name), "user.origin", "a \xff\x01 b"))
+        QSKIP("this file system has no extended attributes");
+    QVERIFY(setAttribute(path(m_name), "user.empty", ""));
+    const ino_t before = infoOf(path(m_name)).st_ino;
+    QCOMPARE(saveInstructions(path(m_name), "new"), std::nullopt);
+    QVERIFY(infoOf(path(m_name)).st_ino !=
+            before); // by a side file, so that they were carried over
+    QCOMPARE(attribute(path(m_name), "user.origin"), QByteArray("a \xff\x01 b"));
+    QVERIFY(!attribute(path(m_name), "user.empty").isNull());
+    QCOMPARE(readFile(path(m_name)), QByteArray("new"));
+}
+
+void InstructionFileTest::accessControlListsStay()
+{
+    writeFile(path(m_name), "old");
+    const QByteArray list = listWithAFurtherReader();
+    if (!setAttribute(path(m_name), accessList, list))
+        QSKIP("this file system has no access control lists");
+    const mode_t mode = infoOf(path(m_name)).st_mode;
+    QCOMPARE(saveInstructions(path(m_name), "new"), std::nullopt);
+    QCOMPARE(attribute(path(m_name), accessList), list);
+    QCOMPARE(infoOf(path(m_name)).st_mode, mode);
+    QCOMPARE(readFile(path(m_name)), QByteArray("new"));
+}
+
+void InstructionFileTest::aListForNewFilesIsNotForOldOnes()
+{
+    writeFile(path(m_name), "old");
+    QCOMPARE(::chmod(QFile::encodeName(path(m_name)).constData(), 0640), 0);
+    if (!setAttribute(path({}), listForNewFiles, listWithAFurtherReader()))
+        QSKIP("this file system has no access control lists");
+    QCOMPARE(saveInstructions(path(m_name), "new"), std::nullopt);
+    QVERIFY(attribute(path(m_name), accessList).isNull()); // the further reader still may not
+    QCOMPARE(infoOf(path(m_name)).st_mode & 07777, 0640U);
+    // A file that is really new gets what the folder says.
+    QCOMPARE(saveInstructions(path(u"AGENTS.md"_qs), "new"), std::nullopt);
+    QVERIFY(!attribute(path(u"AGENTS.md"_qs), accessList).isNull());
+}
+
+void InstructionFileTest::worksWhereAttributesCannotBeRead()
+{
+    // A file that may be written and not read keeps its attributes to itself, so it is written in
+    // its place.
+    writeFile(path(m_name), "old");
+    if (!setAttribute(path(m_name), "user.origin", "x"))
+        QSKIP("this file system has no extended attributes");
+    openToEveryone();
+    const QByteArray file = QFile::encodeName(path(m_name));
+    QCOMPARE(::chmod(QFile::encodeName(path({})).constData(), 0777), 0);
+    if (::geteuid() == 0)
+        QCOMPARE(::chown(file.constData(), 65534, gid_t(-1)), 0);
+    QCOMPARE(::chmod(file.constData(), 0200), 0);
+    {
+        const Unprivileged meanwhile;
+        QCOMPARE(saveInstructions(path(m_name), "new"), std::nullopt);
+    }
+    QCOMPARE(infoOf(path(m_name)).st_mode & 07777, 0200U);
+    QCOMPARE(::chmod(file.constData(), 0600), 0);
+    QCOMPARE(attribute(path(m_name), "user.origin"), QByteArray("x"));
+    QCOMPARE(readFile(path(m_name)), QByteArray("new"));
 }
 
 void InstructionFileTest::leavesNothingBehind()
