@@ -9,6 +9,7 @@
 #include "ui/ToolTips.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QShortcut>
 
@@ -92,7 +93,17 @@ void EditorPane::open(const QString &label, OpenedText opened, const QString &pr
     m_editor->setAccessibleDescription(problem);
     m_editor->setToolTip(plainToolTip(problem));
     m_editor->open(std::move(opened));
+    m_findBar->clearMessage();
     refresh();
+}
+
+void EditorPane::keyPressEvent(QKeyEvent *event)
+{
+    // From the bar itself as well as from the text.
+    if (event->key() == Qt::Key_Escape && m_findBar->isVisible())
+        m_findBar->finish();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void EditorPane::setStatus(const QString &status)

@@ -33,6 +33,9 @@ public:
 Q_SIGNALS:
     void saveRequested();
 
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
     QWidget *buildToolBar();
     void connectSignals();

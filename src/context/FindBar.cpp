@@ -84,11 +84,14 @@ void FindBar::finish()
     m_editor->setFocus(Qt::OtherFocusReason);
 }
 
+void FindBar::clearMessage()
+{
+    m_message->clear();
+}
+
 void FindBar::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape)
-        finish();
-    else if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
         QWidget::keyPressEvent(event);
     else if (event->modifiers() & Qt::ShiftModifier)
         findPrevious();

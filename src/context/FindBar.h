@@ -18,6 +18,8 @@ public:
     void start();
     /// Hides the bar and gives the keyboard back to the editor.
     void finish();
+    /// Drops what was told about a text that is no longer there.
+    void clearMessage();
     void findNext();
     void findPrevious();
 

@@ -90,6 +90,8 @@ private Q_SLOTS:
     void findsTextAndWrapsAround();
     void findsBackwards();
     void escapeClosesTheFindBar();
+    void escapeInTheTextClosesTheFindBarToo();
+    void anotherFileIsNotWhatWasSearched();
     void findingStartsWithTheSelection();
     void saysWhenNothingIsFound();
     void tenThousandRulesAreListed();
@@ -723,6 +725,38 @@ void ContextViewTest::escapeClosesTheFindBar()
     QVERIFY(editor()->hasFocus());
     Input::type(u"X"_qs); // in the place of what was found
     QCOMPARE(text(), u"some X"_qs);
+}
+
+void ContextViewTest::escapeInTheTextClosesTheFindBarToo()
+{
+    writeFile(project("/CLAUDE.md"), "some text");
+    open();
+    Input::click(editor()->viewport());
+    Input::key(Qt::Key_F, Qt::ControlModifier);
+    Input::type(u"text"_qs);
+    Input::click(editor()->viewport());
+    QVERIFY(editor()->hasFocus());
+    QVERIFY(findBar()->isVisible());
+    Input::key(Qt::Key_Escape);
+    QVERIFY(!findBar()->isVisible());
+    QVERIFY(editor()->hasFocus());
+    QCOMPARE(text(), u"some text"_qs);
+}
+
+void ContextViewTest::anotherFileIsNotWhatWasSearched()
+{
+    writeFile(project("/CLAUDE.md"), "first");
+    writeFile(project("/AGENTS.md"), "second");
+    open();
+    Input::click(editor()->viewport());
+    Input::key(Qt::Key_F, Qt::ControlModifier);
+    Input::type(u"second"_qs);
+    QCOMPARE(label(u"findMessage"_qs)->text(), u"No matches"_qs);
+    chooseAndWait(project("/AGENTS.md"));
+    QVERIFY(findBar()->isVisible());
+    QCOMPARE(label(u"findMessage"_qs)->text(), QString());
+    Input::key(Qt::Key_F3);
+    QCOMPARE(editor()->textCursor().selectedText(), u"second"_qs);
 }
 
 void ContextViewTest::findingStartsWithTheSelection()
