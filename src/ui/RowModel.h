@@ -6,6 +6,7 @@
 #include <QList>
 
 #include <algorithm>
+#include <concepts>
 #include <iterator>
 #include <type_traits>
 
@@ -33,10 +34,11 @@ public:
             removeMissing(change);
             reorder(change);
             insertNew(change, next);
-            m_rows = std::move(next);
-            if (!m_rows.isEmpty())
-                Q_EMIT this->dataChanged(
-                    this->index(0, 0), this->index(this->rowCount() - 1, this->columnCount() - 1));
+        }
+        // Not so where following was not worth it, or a key outside the change occurs again in it.
+        if (std::equal(m_rows.cbegin(), m_rows.cend(), next.cbegin(), next.cend(), haveSameKey)) {
+            next.swap(m_rows);
+            tellWhatChanged(next);
         } else {
             this->beginResetModel();
             m_rows = std::move(next);
@@ -48,18 +50,19 @@ private:
     using Key = std::decay_t<decltype(std::declval<const Row &>().key())>;
     using PlaceOfKey = QHash<Key, qsizetype>;
 
+    static bool haveSameKey(const Row &a, const Row &b) { return a.key() == b.key(); }
+
     /// Where two lists of rows differ: from `begin` on, without the rows at the end that both have.
     /// A refresh rarely changes more than a few rows, and only those are worth a hash table.
     struct Change {
         Change(const QList<Row> &rows, const QList<Row> &next)
         {
-            const auto sameKey = [](const Row &a, const Row &b) { return a.key() == b.key(); };
             const auto firsts =
-                std::mismatch(rows.cbegin(), rows.cend(), next.cbegin(), next.cend(), sameKey);
+                std::mismatch(rows.cbegin(), rows.cend(), next.cbegin(), next.cend(), haveSameKey);
             begin = firsts.first - rows.cbegin();
-            const auto lasts =
-                std::mismatch(rows.crbegin(), std::make_reverse_iterator(firsts.first),
-                              next.crbegin(), std::make_reverse_iterator(firsts.second), sameKey);
+            const auto lasts = std::mismatch(
+                rows.crbegin(), std::make_reverse_iterator(firsts.first), next.crbegin(),
+                std::make_reverse_iterator(firsts.second), haveSameKey);
             sameAtEnd = lasts.first - rows.crbegin();
             const qsizetype oldEnd = rows.size() - sameAtEnd;
             newEnd = next.size() - sameAtEnd;
@@ -158,6 +161,30 @@ private:
             this->endInsertRows();
             at = end - 1;
         }
+    }
+
+    /// Every view then paints those rows anew, so no more of them than have changed, where the rows
+    /// can be compared.
+    void tellWhatChanged(const QList<Row> &before)
+    {
+        if constexpr (std::equality_comparable<Row>) {
+            const QList<Row> &now = m_rows;
+            for (qsizetype end = 0; end < now.size(); ++end) {
+                const qsizetype begin = end;
+                while (end < now.size() && !(now[end] == before[end]))
+                    ++end;
+                if (end > begin)
+                    tellOfRows(begin, end);
+            }
+        } else if (!m_rows.isEmpty()) {
+            tellOfRows(0, m_rows.size());
+        }
+    }
+
+    void tellOfRows(qsizetype begin, qsizetype end)
+    {
+        Q_EMIT this->dataChanged(this->index(static_cast<int>(begin), 0),
+                                 this->index(static_cast<int>(end - 1), this->columnCount() - 1));
     }
 
     QList<Row> m_rows;

@@ -178,6 +178,28 @@ private Q_SLOTS:
         QCOMPARE(changed[0][1].toModelIndex(), watched.model.index(2, 1));
     }
 
+    void tellsOfNothingElse()
+    {
+        QList<Item> rows = numbered(100);
+        Watched watched(rows);
+        QSignalSpy changed(&watched.model, &QAbstractItemModel::dataChanged);
+        watched.model.setRows(rows);
+        QCOMPARE(changed.size(), 0);
+
+        for (const int row : {0, 40, 41, 99})
+            rows[row].value = -1;
+        rows.insert(7, {u"new"_qs, 1});
+        rows.removeAt(60);
+        watched.model.setRows(rows);
+        VERIFY_FOLLOWS(watched, rows);
+        QStringList told;
+        for (const QList<QVariant> &each : std::as_const(changed))
+            told += QStringLiteral("%1-%2")
+                        .arg(each[0].toModelIndex().row())
+                        .arg(each[1].toModelIndex().row());
+        QCOMPARE(told.join(u' '), u"0-0 41-42 99-99"_qs);
+    }
+
     void aRunOfRowsIsOneStep()
     {
         Watched watched(items(u"abcdef"_qs));
@@ -208,9 +230,18 @@ private Q_SLOTS:
         QFETCH(QString, before);
         QFETCH(QString, after);
         Watched watched(items(before));
+        // What a view that only follows the signals takes for the number of rows.
+        qsizetype followed = before.size();
+        connect(&watched.model, &QAbstractItemModel::rowsInserted, this,
+                [&](const QModelIndex &, int first, int last) { followed += last - first + 1; });
+        connect(&watched.model, &QAbstractItemModel::rowsRemoved, this,
+                [&](const QModelIndex &, int first, int last) { followed -= last - first + 1; });
+        connect(&watched.model, &QAbstractItemModel::modelReset, this,
+                [&] { followed = watched.model.rowCount(); });
         const QList<Item> next = items(after);
         watched.model.setRows(next);
         QCOMPARE(watched.model.rows(), next);
+        QCOMPARE(followed, next.size());
     }
 
     void randomMergesWithKeysThatOccurTwice()
