@@ -14,4 +14,7 @@ public:
 Q_SIGNALS:
     /// The dialog has been closed, in one way or another.
     void answered(bool yes);
+
+private:
+    void setUpLabels(const QString &title);
 };

@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QScrollBar>
+#include <QSignalSpy>
 
 #include <cerrno>
 #include <cstring>
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void cleanup();
 
     void dialogTexts();
+    void dialogLeavesRoomForItsTexts();
     void dialogTakesNothingForMarkup();
     void scanningThenNothing();
     void filterRefiltersAtOnce();
@@ -33,6 +35,7 @@ private Q_SLOTS:
     void refreshKey();
     void mayGoDuringAScan();
     void selectionAndScrollSurviveARefresh();
+    void aRefreshDoesNotFlicker();
     void openDialogSurvivesARefresh();
     void keysAskToo_data();
     void keysAskToo();
@@ -66,6 +69,27 @@ void LiveViewTest::dialogTexts()
     QVERIFY(cancel->isDefault());
     QCOMPARE(dialog->defaultButton(), cancel);
     QCOMPARE(dialog->escapeButton(), static_cast<QAbstractButton *>(cancel));
+}
+
+void LiveViewTest::dialogLeavesRoomForItsTexts()
+{
+    const QString deep = QStringLiteral("/a folder").repeated(30);
+    for (const QString &folder : {QStringLiteral("/src"), deep}) {
+        Screen screen({agent(7, folder)});
+        const Parts live = screen.shown();
+        live.click(nobodysPid + 7, LiveModel::Stop);
+        const QMessageBox *dialog = live.dialog();
+        QVERIFY(dialog);
+        const QPushButton *button = live.confirmButton(nobodysPid + 7);
+        QVERIFY(button);
+        QVERIFY(button->width() >=
+                button->fontMetrics().horizontalAdvance(button->text()) + 2 * 10);
+        QVERIFY(dialog->width() < 600); // a long folder makes it higher, not wider
+        const QList<QLabel *> labels = dialog->findChildren<QLabel *>();
+        for (const QLabel *label : labels)
+            if (label->isVisible())
+                QVERIFY(label->height() >= label->heightForWidth(label->width()));
+    }
 }
 
 void LiveViewTest::dialogTakesNothingForMarkup()
@@ -248,6 +272,27 @@ void LiveViewTest::selectionAndScrollSurviveARefresh()
     QCOMPARE(live.table->verticalScrollBar()->value(), scrolled);
 }
 
+void LiveViewTest::aRefreshDoesNotFlicker()
+{
+    // What a view would have to build anew, or show the user in between, does not happen.
+    QList<AgentProcess> list = agents(30);
+    Screen screen(list);
+    const Parts live = screen.shown();
+    const QSignalSpy resets(live.table->model(), &QAbstractItemModel::modelReset);
+    const QSignalSpy removals(live.table->model(), &QAbstractItemModel::rowsRemoved);
+    const QSignalSpy insertions(live.table->model(), &QAbstractItemModel::rowsInserted);
+    const QSignalSpy pages(live.table->parentWidget(), SIGNAL(currentChanged(int)));
+    for (AgentProcess &each : list)
+        each.uptime = QStringLiteral("00:03");
+    list[7].cpu = 99;
+    list.move(7, 0);
+    screen.refresh(list);
+    QCOMPARE(live.text(nobodysPid + 7, LiveModel::Cpu), QStringLiteral("99.0%"));
+    QCOMPARE(live.row(nobodysPid + 7), 0);
+    QCOMPARE(live.text(nobodysPid + 29, LiveModel::Uptime), QStringLiteral("00:03"));
+    QCOMPARE(resets.size() + removals.size() + insertions.size() + pages.size(), 0);
+}
+
 void LiveViewTest::openDialogSurvivesARefresh()
 {
     Screen screen({agent(1), agent(2)});
@@ -270,6 +315,8 @@ void LiveViewTest::openDialogSurvivesARefresh()
     QCOMPARE(live.message->text(), QStringLiteral("Could not stop PID %1: %2")
                                        .arg(nobodysPid + 2)
                                        .arg(QString::fromLocal8Bit(std::strerror(ESRCH))));
+    QCOMPARE(live.message->tone(), TextLabel::Tone::Error);
+    QVERIFY(live.message->font().pointSizeF() < live.summary->font().pointSizeF());
 }
 
 void LiveViewTest::keysAskToo_data()
