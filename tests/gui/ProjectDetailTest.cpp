@@ -109,6 +109,20 @@ private Q_SLOTS:
         QVERIFY(labelWith(m_window->detail(), u"/w/b"_qs));
     }
 
+    void anotherProjectEndsTheScreensOfTheOneBefore()
+    {
+        writeSession(*m_home, {.project = u"/w/b"_qs});
+        m_window->reload();
+        clickTab(1);
+        const QPointer<QWidget> live = screenOf(m_window->tabs(), 1);
+        QVERIFY(live && live->isVisible());
+        Input::clickCell(m_window->projects(), 1);
+        QVERIFY(!live || !live->isVisible()); // so that nothing is looked for any more
+        QTRY_VERIFY(!live);
+        QCOMPARE(m_window->tabs()->currentIndex(), 0);
+        QVERIFY(!screenOf(m_window->tabs(), 1));
+    }
+
     void theArrowKeysWalkTheTabs()
     {
         QTabBar *bar = m_window->tabs()->tabBar();
