@@ -9,11 +9,17 @@ void prepareEnvironment()
     // committing, and a question for a password waits for a terminal that is not there.
     qputenv("GIT_OPTIONAL_LOCKS", "0");
     qputenv("GIT_TERMINAL_PROMPT", "0");
-    // Set by git for hooks and aliases: a window started from one would show another repository.
-    for (const char *name : {"GIT_DIR", "GIT_WORK_TREE", "GIT_INDEX_FILE", "GIT_PREFIX"})
-        qunsetenv(name);
-    qunsetenv("GIT_EXTERNAL_DIFF"); // replaces the text of every diff
-    // These change what ps prints.
-    for (const char *name : {"COLUMNS", "PS_FORMAT", "PS_PERSONALITY"})
+    for (const char *name :
+         {// Set by git for hooks and aliases: a window started from one would show and change that
+          // repository, whatever project is selected.
+          "GIT_DIR", "GIT_WORK_TREE", "GIT_INDEX_FILE", "GIT_PREFIX", "GIT_COMMON_DIR",
+          "GIT_OBJECT_DIRECTORY", "GIT_ALTERNATE_OBJECT_DIRECTORIES", "GIT_NAMESPACE",
+          // Change which files a path means.
+          "GIT_LITERAL_PATHSPECS", "GIT_GLOB_PATHSPECS", "GIT_NOGLOB_PATHSPECS",
+          "GIT_ICASE_PATHSPECS",
+          // Change the text of a diff.
+          "GIT_EXTERNAL_DIFF", "GIT_DIFF_OPTS",
+          // Change what ps prints.
+          "COLUMNS", "PS_FORMAT", "PS_PERSONALITY"})
         qunsetenv(name);
 }

@@ -3,6 +3,7 @@
 
 #include "app/ContentView.h"
 #include "model/Background.h"
+#include "review/ActionGuard.h"
 #include "ui/Icons.h"
 
 #include <QGuiApplication>
@@ -20,6 +21,7 @@ PlintharApp::~PlintharApp()
     m_window.reset();
     m_store.reset();
     Background::finish(std::chrono::milliseconds(500));
+    finishGitActions(); // with the window gone nobody waits for it
 }
 
 void PlintharApp::show()

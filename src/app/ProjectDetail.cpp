@@ -3,7 +3,7 @@
 
 #include "context/ContextView.h"
 #include "live/LiveView.h"
-#include "ui/EmptyState.h"
+#include "review/ReviewView.h"
 #include "ui/Icons.h"
 #include "ui/TextLabel.h"
 #include "usage/SessionsView.h"
@@ -31,21 +31,14 @@ QWidget *makeSessions(const Project &project, Store &store)
     return new SessionsView(project, store);
 }
 
-EmptyState *makeEmpty(const char16_t *icon, const char16_t *title, const char16_t *message)
-{
-    return new EmptyState(QString::fromUtf16(icon), QString::fromUtf16(title),
-                          QString::fromUtf16(message));
-}
-
 QWidget *makeLive(const Project &project, Store &)
 {
     return new LiveView(project);
 }
 
-QWidget *makeReview(const Project &, Store &)
+QWidget *makeReview(const Project &project, Store &)
 {
-    return makeEmpty(u"checkmark.seal", u"Review is not built yet",
-                     u"The changes in this folder's Git work tree will show up here.");
+    return new ReviewView(project);
 }
 
 QWidget *makeUsage(const Project &project, Store &store)

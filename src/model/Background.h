@@ -16,8 +16,8 @@ namespace Background {
 /// The threads that all background work of the program runs on.
 QThreadPool &pool();
 
-/// The threads for saving what the user made. Work that waits for one of them is done even when
-/// the program ends meanwhile, and no other work is in its way.
+/// The threads for saving what the user made and for what the user decided. Work that waits for one
+/// of them is done even when the program ends meanwhile, and no other work is in its way.
 QThreadPool &savingPool();
 
 /// Calls `work(stop)` on a thread of the pool and then `deliver(result)` on the thread of

@@ -111,11 +111,37 @@ QString decoded(const QByteArray &bytes)
     return decoder.decode(bytes);
 }
 
+/// Reads both streams and writes the input, until the program has ended by itself or because it was
+/// stopped.
+void waitForEnd(QProcess &process, const std::stop_token &stop)
+{
+    if (!stop.stop_possible()) {
+        process.waitForFinished(-1);
+        return;
+    }
+    // In slices: a signal sent by the thread that requests the stop could reach another process,
+    // because only the thread that waits knows whether the number still belongs to this one.
+    constexpr int slice = 20;
+    while (!stop.stop_requested()) {
+        if (process.waitForFinished(slice) || process.state() == QProcess::NotRunning)
+            return;
+    }
+    constexpr int patience = 1000;
+    process.terminate();
+    if (process.waitForFinished(patience) || process.state() == QProcess::NotRunning)
+        return;
+    process.kill();
+    process.waitForFinished(-1);
+}
+
 } // namespace
 
 ShellResult runProcess(const QString &executable, const QStringList &arguments,
-                       const std::optional<QString> &cwd, const std::optional<QString> &input)
+                       const std::optional<QString> &cwd, const std::optional<QString> &input,
+                       const std::stop_token &stop)
 {
+    if (stop.stop_requested())
+        return notStarted(systemText(ECANCELED));
     if (!canBePassedOn(executable) || !canBePassedOn(cwd.value_or(QString())) ||
         !std::all_of(arguments.cbegin(), arguments.cend(), canBePassedOn))
         return notStarted(systemText(EINVAL));
@@ -139,7 +165,7 @@ ShellResult runProcess(const QString &executable, const QStringList &arguments,
         process.write(input->toUtf8());
         process.closeWriteChannel(); // once all of it is written
     }
-    process.waitForFinished(-1); // reads both streams and writes the input meanwhile
+    waitForEnd(process, stop);
     return {process.exitCode(), decoded(process.readAllStandardOutput()),
             decoded(process.readAllStandardError())};
 }

@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <stop_token>
 
 /// What came out of a command.
 struct ShellResult {
@@ -22,7 +23,9 @@ struct ShellResult {
 /// for. The program inherits the environment, and the working folder unless there is a `cwd`.
 /// Without `input` its standard input is the null device. Bytes of its output that are not UTF-8
 /// become U+FFFD. Returns when the program itself has ended, even if a program that it left behind
-/// holds its output open.
+/// holds its output open. When `stop` is requested the program is told to end (SIGTERM), and is
+/// killed when it does not within a second; nothing is started when that has happened before.
 ShellResult runProcess(const QString &executable, const QStringList &arguments,
                        const std::optional<QString> &cwd = std::nullopt,
-                       const std::optional<QString> &input = std::nullopt);
+                       const std::optional<QString> &input = std::nullopt,
+                       const std::stop_token &stop = {});

@@ -49,6 +49,20 @@ QColor fill(Hue hue, const QPalette &palette)
     return Colors::hue(hue, palette);
 }
 
+QColor tint(Hue hue, const QPalette &palette, float opacity)
+{
+    QColor color = Colors::hue(hue, palette);
+    color.setAlphaF(opacity);
+    return color;
+}
+
+QColor grayTint(const QPalette &palette, float opacity)
+{
+    QColor color = mixed(palette.color(QPalette::Text), palette.color(QPalette::Base), 0.5F);
+    color.setAlphaF(opacity);
+    return color;
+}
+
 QColor separator(const QPalette &palette)
 {
     return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.12F);

@@ -22,6 +22,12 @@ QColor hue(Hue hue, const QPalette &palette);
 /// orange on a light ground would be a brown.
 QColor fill(Hue hue, const QPalette &palette);
 
+/// A hue as a background that lets what is below it shine through: the text on it stays readable.
+QColor tint(Hue hue, const QPalette &palette, float opacity);
+
+/// The same without a hue.
+QColor grayTint(const QPalette &palette, float opacity);
+
 /// For hairlines between the areas of a screen.
 QColor separator(const QPalette &palette);
 

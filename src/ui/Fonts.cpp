@@ -78,3 +78,13 @@ QFont numberFont()
     }
     return *answer;
 }
+
+QFont monospacedFont(TextStyle style, bool bold)
+{
+    QFont font = textFont(style, bold);
+    font.setFamilies({QFontDatabase::systemFont(QFontDatabase::FixedFont).family(),
+                      QStringLiteral("monospace")});
+    font.setStyleHint(QFont::Monospace);
+    font.setFixedPitch(true);
+    return font;
+}

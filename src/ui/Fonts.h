@@ -12,3 +12,6 @@ QFont textFont(TextStyle style, bool bold = false);
 /// For columns of numbers: the application's font, or where its digits are not equally wide, the
 /// system's fixed-width one.
 QFont numberFont();
+
+/// The user's font with letters of one width, in the size of a text style.
+QFont monospacedFont(TextStyle style, bool bold = false);

@@ -9,7 +9,11 @@
 class LatestJob {
 public:
     /// Results are delivered on the thread of `context`, while it lives.
-    explicit LatestJob(QObject *context) : m_context(context) {}
+    explicit LatestJob(QObject *context, QThreadPool &threads = Background::pool())
+        : m_context(context)
+        , m_threads(threads)
+    {
+    }
     ~LatestJob() { m_stop.request_stop(); }
 
     LatestJob(const LatestJob &) = delete;
@@ -32,7 +36,8 @@ public:
                     return;
                 m_busy = false;
                 deliver(std::forward<decltype(result)>(result));
-            });
+            },
+            m_threads);
     }
 
     void cancel()
@@ -44,6 +49,7 @@ public:
 
 private:
     QObject *m_context;
+    QThreadPool &m_threads;
     std::stop_source m_stop;
     bool m_busy = false;
 };

@@ -11,10 +11,13 @@
 
 namespace {
 
-const QStringList unwanted{QStringLiteral("GIT_DIR"),           QStringLiteral("GIT_WORK_TREE"),
-                           QStringLiteral("GIT_INDEX_FILE"),    QStringLiteral("GIT_PREFIX"),
-                           QStringLiteral("GIT_EXTERNAL_DIFF"), QStringLiteral("COLUMNS"),
-                           QStringLiteral("PS_FORMAT"),         QStringLiteral("PS_PERSONALITY")};
+const QStringList unwanted =
+    QStringLiteral("GIT_DIR GIT_WORK_TREE GIT_INDEX_FILE GIT_PREFIX GIT_COMMON_DIR "
+                   "GIT_OBJECT_DIRECTORY GIT_ALTERNATE_OBJECT_DIRECTORIES GIT_NAMESPACE "
+                   "GIT_LITERAL_PATHSPECS GIT_GLOB_PATHSPECS GIT_NOGLOB_PATHSPECS "
+                   "GIT_ICASE_PATHSPECS GIT_EXTERNAL_DIFF GIT_DIFF_OPTS COLUMNS PS_FORMAT "
+                   "PS_PERSONALITY")
+        .split(u' ');
 
 /// What a shell, a git hook or a joker may have left in the environment.
 QProcessEnvironment hostile()

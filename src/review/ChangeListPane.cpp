@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "review/ChangeListPane.h"
+
+#include "review/ChangeDelegate.h"
+#include "review/ChangeListModel.h"
+#include "ui/EmptyState.h"
+#include "ui/Icons.h"
+#include "ui/Separator.h"
+#include "ui/TextLabel.h"
+
+#include <QHBoxLayout>
+#include <QListView>
+#include <QScopedValueRollback>
+#include <QStackedWidget>
+#include <QToolButton>
+
+namespace {
+
+constexpr int smallestWidth = 240;
+constexpr int usualWidth = 280;
+constexpr int largestWidth = 400;
+constexpr int padding = 8;
+
+} // namespace
+
+ChangeListPane::ChangeListPane(QWidget *parent)
+    : QWidget(parent)
+    , m_model(new ChangeListModel(this))
+    , m_list(new QListView(this))
+    , m_cleanPage(new EmptyState(QStringLiteral("checkmark.circle"),
+                                 QStringLiteral("Working tree clean"),
+                                 QStringLiteral("No changed files."), this))
+    , m_body(new QStackedWidget(this))
+{
+    setMinimumWidth(smallestWidth);
+    setMaximumWidth(largestWidth);
+    buildList();
+    m_body->addWidget(new QWidget(this)); // while nothing is known yet
+    m_body->addWidget(m_cleanPage);
+    m_body->addWidget(m_list);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(buildHeader());
+    layout->addWidget(new Separator(Qt::Horizontal, this));
+    layout->addWidget(m_body, 1);
+}
+
+QWidget *ChangeListPane::buildHeader()
+{
+    auto *header = new QWidget(this);
+    m_count = new TextLabel(QString(), {.tone = TextLabel::Tone::Secondary}, header);
+    m_count->setObjectName(QStringLiteral("changeCount"));
+    m_refreshButton = new QToolButton(header);
+    m_refreshButton->setObjectName(QStringLiteral("refresh"));
+    m_refreshButton->setAccessibleName(QStringLiteral("Refresh"));
+    m_refreshButton->setIcon(symbolIcon(u"arrow.clockwise", QPalette::ButtonText));
+    m_refreshButton->setAutoRaise(true);
+    m_refreshButton->setFocusPolicy(Qt::StrongFocus);
+    m_refreshButton->setToolTip(
+        QStringLiteral("Look for changes again (%1)")
+            .arg(QKeySequence(QKeySequence::Refresh).toString(QKeySequence::NativeText)));
+    connect(m_refreshButton, &QToolButton::clicked, this, &ChangeListPane::refreshRequested);
+    auto *layout = new QHBoxLayout(header);
+    layout->setContentsMargins(padding, padding, padding, padding);
+    layout->addWidget(m_count, 1);
+    layout->addWidget(m_refreshButton);
+    return header;
+}
+
+void ChangeListPane::buildList()
+{
+    m_list->setObjectName(QStringLiteral("changes"));
+    m_list->setAccessibleName(QStringLiteral("Changed files"));
+    m_list->setModel(m_model);
+    m_list->setItemDelegate(new ChangeDelegate(m_list));
+    m_list->setUniformItemSizes(true);
+    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_list->setFrameShape(QFrame::NoFrame);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        if (!m_updating)
+            Q_EMIT selectionChanged();
+    });
+}
+
+QSize ChangeListPane::sizeHint() const
+{
+    return {usualWidth, QWidget::sizeHint().height()};
+}
+
+void ChangeListPane::setFiles(const QList<GitFile> &files, const std::optional<QString> &selected)
+{
+    const QScopedValueRollback updating(m_updating, true);
+    QList<ChangeRow> rows;
+    rows.reserve(files.size());
+    for (const GitFile &file : files)
+        rows.append({file});
+    m_model->setRows(std::move(rows));
+    const std::optional<int> row = selected ? m_model->rowOf(*selected) : std::nullopt;
+    if (row)
+        m_list->setCurrentIndex(m_model->index(*row, 0));
+    else
+        m_list->clearSelection();
+    m_count->setText(QStringLiteral("%1 changed").arg(files.size()));
+    m_body->setCurrentWidget(files.isEmpty() ? m_cleanPage : m_list);
+}
+
+std::optional<QString> ChangeListPane::selectedPath() const
+{
+    const QModelIndexList selected = m_list->selectionModel()->selectedIndexes();
+    if (selected.isEmpty())
+        return std::nullopt;
+    return m_model->rows().at(selected.constFirst().row()).file.path;
+}
+
+void ChangeListPane::setRefreshEnabled(bool enabled)
+{
+    m_refreshButton->setEnabled(enabled);
+}

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QPushButton>
+
+/// A push button that says with its colours what pressing it means. The colours come from the
+/// palette at the moment of painting.
+class EmphasisButton : public QPushButton {
+    Q_OBJECT
+public:
+    enum class Emphasis {
+        Prominent,  ///< what one comes here to do
+        Destructive ///< something that cannot be taken back
+    };
+
+    EmphasisButton(Emphasis emphasis, const QString &text, QWidget *parent = nullptr);
+
+protected:
+    void initStyleOption(QStyleOptionButton *option) const override;
+
+private:
+    const Emphasis m_emphasis;
+};
