@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ProjectDetail.h"
 
+#include "context/ContextView.h"
+#include "live/LiveView.h"
+#include "review/ReviewView.h"
 #include "support/Input.h"
 #include "support/Sessions.h"
 #include "support/Window.h"
 #include "support/WindowTestMain.h"
 #include "usage/SessionsView.h"
+#include "usage/UsageView.h"
 
 #include <QLabel>
 #include <QLayout>
@@ -133,14 +137,16 @@ private Q_SLOTS:
         QCOMPARE(m_window->tabs()->currentIndex(), 0);
     }
 
-    void theTabThatIsNotBuiltSaysSo()
+    void everyTabShowsItsOwnScreen()
     {
-        clickTab(2);
-        const auto *state = qobject_cast<EmptyState *>(screenOf(m_window->tabs(), 2));
-        QVERIFY(state);
-        QCOMPARE(state->icon(), u"checkmark.seal"_qs);
-        QVERIFY(!state->title().isEmpty());
-        QVERIFY(!state->message().isEmpty());
+        const QTabWidget *tabs = m_window->tabs();
+        for (int tab = 1; tab < 5; ++tab)
+            clickTab(tab);
+        QVERIFY(qobject_cast<SessionsView *>(screenOf(tabs, 0)));
+        QVERIFY(qobject_cast<LiveView *>(screenOf(tabs, 1)));
+        QVERIFY(qobject_cast<ReviewView *>(screenOf(tabs, 2)));
+        QVERIFY(qobject_cast<UsageView *>(screenOf(tabs, 3)));
+        QVERIFY(qobject_cast<ContextView *>(screenOf(tabs, 4)));
     }
 
     void f5ReloadsOnlyWhereSessionsAreShown()
