@@ -23,7 +23,7 @@ constexpr int checkSize = 14;
 
 const GitFile &fileOf(const QModelIndex &index)
 {
-    return static_cast<const ChangeListModel *>(index.model())->rows().at(index.row()).file;
+    return static_cast<const ChangeListModel *>(index.model())->rows().at(index.row());
 }
 
 Colors::Hue badgeHue(const GitFile &file)

@@ -12,7 +12,7 @@ int ChangeListModel::columnCount(const QModelIndex &parent) const
 
 QVariant ChangeListModel::data(const QModelIndex &index, int role) const
 {
-    const GitFile &file = rows().at(index.row()).file;
+    const GitFile &file = rows().at(index.row());
     switch (role) {
     case Qt::DisplayRole:
         return visibleText(file.path);
@@ -27,9 +27,9 @@ QVariant ChangeListModel::data(const QModelIndex &index, int role) const
 
 std::optional<int> ChangeListModel::rowOf(const QString &path) const
 {
-    const auto row =
-        std::find_if(rows().begin(), rows().end(),
-                     [&path](const ChangeRow &candidate) { return candidate.file.path == path; });
+    const auto row = std::find_if(rows().begin(), rows().end(), [&path](const GitFile &candidate) {
+        return candidate.path == path;
+    });
     if (row == rows().end())
         return std::nullopt;
     return static_cast<int>(row - rows().begin());

@@ -6,15 +6,8 @@
 
 #include <optional>
 
-/// A row of the list of changed files.
-struct ChangeRow {
-    GitFile file;
-
-    const QString &key() const { return file.path; }
-};
-
 /// The changed files as a list model.
-class ChangeListModel : public RowModel<ChangeRow> {
+class ChangeListModel : public RowModel<GitFile> {
     Q_OBJECT
 public:
     using RowModel::RowModel;

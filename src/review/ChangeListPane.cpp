@@ -92,11 +92,7 @@ QSize ChangeListPane::sizeHint() const
 void ChangeListPane::setFiles(const QList<GitFile> &files, const std::optional<QString> &selected)
 {
     const QScopedValueRollback updating(m_updating, true);
-    QList<ChangeRow> rows;
-    rows.reserve(files.size());
-    for (const GitFile &file : files)
-        rows.append({file});
-    m_model->setRows(std::move(rows));
+    m_model->setRows(files);
     const std::optional<int> row = selected ? m_model->rowOf(*selected) : std::nullopt;
     if (row)
         m_list->setCurrentIndex(m_model->index(*row, 0));
@@ -111,7 +107,7 @@ std::optional<QString> ChangeListPane::selectedPath() const
     const QModelIndexList selected = m_list->selectionModel()->selectedIndexes();
     if (selected.isEmpty())
         return std::nullopt;
-    return m_model->rows().at(selected.constFirst().row()).file.path;
+    return m_model->rows().at(selected.constFirst().row()).path;
 }
 
 void ChangeListPane::setRefreshEnabled(bool enabled)

@@ -10,6 +10,7 @@ struct GitFile {
     QChar x = u' '; ///< the status column of the index
     QChar y = u' '; ///< the status column of the work tree
 
+    const QString &key() const { return path; }
     /// What stands before the path in the list of files: "U" for an untracked file, otherwise the
     /// columns that say something.
     QString badge() const;

@@ -179,7 +179,7 @@ void ReviewView::refresh()
 void ReviewView::apply(const GitSnapshot &snapshot)
 {
     m_isRepo = snapshot.isRepo;
-    m_files = snapshot.files;
+    const QList<GitFile> filesBefore = std::exchange(m_files, snapshot.files);
     m_hasHead = snapshot.hasHead;
     const std::optional<QString> before = m_selected;
     if (!selectedFile())
@@ -187,6 +187,7 @@ void ReviewView::apply(const GitSnapshot &snapshot)
     if (!m_selected && !m_files.isEmpty())
         m_selected = m_files.constFirst().path;
     m_changes->setFiles(m_files, m_selected);
+    Background::destroy(filesBefore); // there may be very many
     m_pages->setCurrentWidget(m_isRepo ? m_review : m_noRepo);
     loadDiff(m_selected == before);
 }

@@ -66,6 +66,10 @@ private:
             sameAtEnd = lasts.first - rows.crbegin();
             const qsizetype oldEnd = rows.size() - sameAtEnd;
             newEnd = next.size() - sameAtEnd;
+            if (oldEnd == begin || newEnd == begin) { // one run has come, or one has gone
+                runs = 1;
+                return;
+            }
             places = placesOf(next, begin, newEnd);
             const PlaceOfKey old = placesOf(rows, begin, oldEnd);
             unique = places.size() == newEnd - begin && old.size() == oldEnd - begin;
@@ -78,7 +82,7 @@ private:
         qsizetype begin = 0;
         qsizetype sameAtEnd = 0; // number of rows
         qsizetype newEnd = 0;
-        PlaceOfKey places; // of the new rows that differ
+        PlaceOfKey places; // of the new rows that differ; empty where all of them are new
         bool unique = true;
         qsizetype runs = 0;
     };
@@ -147,7 +151,7 @@ private:
     {
         const auto isNew = [this, &change, &next](qsizetype i, qsizetype old) {
             return i < change.newEnd &&
-                   (old >= m_rows.size() || next[i].key() != m_rows[old].key());
+                   (old >= m_rows.size() - change.sameAtEnd || next[i].key() != m_rows[old].key());
         };
         for (qsizetype at = change.begin; at < change.newEnd; ++at) {
             qsizetype end = at;

@@ -223,6 +223,7 @@ private Q_SLOTS:
         QTest::newRow("both") << u"aab"_qs << u"abb"_qs;
         QTest::newRow("all the same") << u"aa"_qs << u"aaaa"_qs;
         QTest::newRow("amid others") << u"xabcy"_qs << u"zbabw"_qs;
+        QTest::newRow("like the one behind") << u"a"_qs << u"baa"_qs;
     }
 
     void keysThatOccurTwiceDoNoHarm()
