@@ -10,7 +10,9 @@
 
 #include <QHBoxLayout>
 #include <QListView>
+#include <QPushButton>
 #include <QScopedValueRollback>
+#include <QScrollBar>
 #include <QStackedWidget>
 #include <QToolButton>
 
@@ -65,6 +67,9 @@ QWidget *ChangeListPane::buildHeader()
     layout->setContentsMargins(padding, padding, padding, padding);
     layout->addWidget(m_count, 1);
     layout->addWidget(m_refreshButton);
+    // As high as the bar of push buttons beside it, so that the lines below both meet.
+    header->setMinimumHeight(QPushButton(QStringLiteral("Commit")).sizeHint().height() +
+                             2 * padding);
     return header;
 }
 
@@ -92,12 +97,17 @@ QSize ChangeListPane::sizeHint() const
 void ChangeListPane::setFiles(const QList<GitFile> &files, const std::optional<QString> &selected)
 {
     const QScopedValueRollback updating(m_updating, true);
+    const std::optional<QString> selectedBefore = selectedPath();
+    const int scrolled = m_list->verticalScrollBar()->value();
     m_model->setRows(files);
     const std::optional<int> row = selected ? m_model->rowOf(*selected) : std::nullopt;
-    if (row)
+    if (row) {
         m_list->setCurrentIndex(m_model->index(*row, 0));
-    else
+        if (selected == selectedBefore) // also where the model has started over
+            m_list->verticalScrollBar()->setValue(scrolled);
+    } else {
         m_list->clearSelection();
+    }
     m_count->setText(QStringLiteral("%1 changed").arg(files.size()));
     m_body->setCurrentWidget(files.isEmpty() ? m_cleanPage : m_list);
 }

@@ -70,6 +70,10 @@ private:
                 runs = 1;
                 return;
             }
+            if (oldEnd - begin > mostDiffering || newEnd - begin > mostDiffering) {
+                isShort = false;
+                return;
+            }
             places = placesOf(next, begin, newEnd);
             const PlaceOfKey old = placesOf(rows, begin, oldEnd);
             unique = places.size() == newEnd - begin && old.size() == oldEnd - begin;
@@ -77,12 +81,16 @@ private:
         }
 
         /// Every run of neighbouring rows that go or come shifts the whole list once.
-        bool isWorthFollowing() const { return unique && runs <= 100; }
+        bool isWorthFollowing() const { return isShort && unique && runs <= 100; }
+
+        /// Following more rows than that would keep the interface thread busy for too long.
+        static constexpr qsizetype mostDiffering = 2'000;
 
         qsizetype begin = 0;
         qsizetype sameAtEnd = 0; // number of rows
         qsizetype newEnd = 0;
         PlaceOfKey places; // of the new rows that differ; empty where all of them are new
+        bool isShort = true;
         bool unique = true;
         qsizetype runs = 0;
     };

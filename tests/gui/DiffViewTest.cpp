@@ -9,6 +9,7 @@
 #include <QAccessible>
 #include <QClipboard>
 #include <QPainter>
+#include <QPicture>
 #include <QScrollBar>
 
 namespace {
@@ -91,6 +92,33 @@ private Q_SLOTS:
             QCOMPARE(m_view->rowAt(place.bottom()), std::optional(row));
         }
         QVERIFY(!m_view->rowAt(last.bottom() + 1));
+    }
+
+    void onlyWhatIsSeenIsDrawn_data()
+    {
+        QTest::addColumn<QString>("small");
+        QTest::addColumn<QString>("large");
+        QTest::newRow("rows") << manyLines(1'000) << manyLines(300'000);
+        const auto longLine = [](int characters) {
+            return u"@@ -1 +1 @@\n-"_qs + QString(characters, u'x') + u"\n+"_qs +
+                   QString(characters, QChar(0x4e2d)) + u'\n';
+        };
+        QTest::newRow("columns") << longLine(2'000) << longLine(2'000'000);
+    }
+
+    void onlyWhatIsSeenIsDrawn()
+    {
+        QFETCH(QString, small);
+        QFETCH(QString, large);
+        const auto recorded = [this](const QString &text) {
+            m_view->setDocument(documentOf(text));
+            QPicture picture;
+            m_view->viewport()->render(&picture);
+            return picture.size();
+        };
+        const uint few = recorded(small);
+        QVERIFY(few > 1'000);
+        QVERIFY(recorded(large) <= few + few / 10); // numbers may have more digits
     }
 
     void theEndOfTheLongestLineCanBeReached()

@@ -17,6 +17,8 @@
 #include <QScrollBar>
 #include <QSplitter>
 
+#include <csignal>
+
 namespace {
 
 /// Whether a picture has points of exactly that colour.
@@ -171,6 +173,30 @@ private Q_SLOTS:
         });
         m_page->settle();
         QCOMPARE(seen, QStringList(u"new"_qs));
+    }
+
+    void aDiffThatNobodyWaitsForIsEnded()
+    {
+        // Stands for a diff that takes long: it tells git's number and goes on until git is gone.
+        const Repository repository = changed();
+        repository.write(u".git/slow"_qs, "#!/bin/sh\necho $PPID > .git/new\n"
+                                          "mv .git/new .git/pid\n"
+                                          "while kill -0 $PPID; do sleep 0.05; done\n");
+        repository.makeExecutable(u".git/slow"_qs);
+        repository.git({u"config"_qs, u"diff.slow.command"_qs, u".git/slow"_qs});
+        repository.write(u".git/info/attributes"_qs, "both.txt diff=slow\n");
+        m_page->window().load();
+        Input::clickCell(m_page->window().projects(), 0);
+        Input::key(Qt::Key_3, Qt::ControlModifier);
+        const QString pidFile = repository.path(u".git/pid"_qs);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(pidFile), 60'000);
+        const auto git = readFile(pidFile).trimmed().toInt();
+        QVERIFY(git > 1 && ::kill(git, 0) == 0);
+        m_page->list()->setFocus();
+        Input::key(Qt::Key_Down);
+        QTRY_VERIFY_WITH_TIMEOUT(::kill(git, 0) != 0, 60'000);
+        QTRY_COMPARE(m_page->rows().constLast(),
+                     u"Old line 1, removed: 1; New line 1, added: 2"_qs);
     }
 
     void aWhollyStagedFileIsBlueAndChecked()
