@@ -11,6 +11,7 @@
 #include "review/TextCells.h"
 #include "ui/EmphasisButton.h"
 #include "ui/EmptyState.h"
+#include "ui/Separator.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>
@@ -98,6 +99,10 @@ void ReviewView::buildLayout()
     splitter->addWidget(m_diff);
     splitter->setStretchFactor(1, 1);
     splitter->setSizes({listWidth, diffWidth});
+    // The style paints nothing in a handle that is so narrow.
+    auto *line = new QHBoxLayout(splitter->handle(1));
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addWidget(new Separator(Qt::Vertical, splitter->handle(1)));
     m_review = splitter;
     m_noRepo = new EmptyState(
         QStringLiteral("arrow.triangle.branch"), QStringLiteral("Not a Git repository"),
