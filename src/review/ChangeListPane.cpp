@@ -10,7 +10,6 @@
 
 #include <QHBoxLayout>
 #include <QListView>
-#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStackedWidget>
@@ -50,7 +49,7 @@ ChangeListPane::ChangeListPane(QWidget *parent)
 
 QWidget *ChangeListPane::buildHeader()
 {
-    auto *header = new QWidget(this);
+    auto *header = m_header = new QWidget(this);
     m_count = new TextLabel(QString(), {.tone = TextLabel::Tone::Secondary}, header);
     m_count->setObjectName(QStringLiteral("changeCount"));
     m_refreshButton = new QToolButton(header);
@@ -67,9 +66,6 @@ QWidget *ChangeListPane::buildHeader()
     layout->setContentsMargins(padding, padding, padding, padding);
     layout->addWidget(m_count, 1);
     layout->addWidget(m_refreshButton);
-    // As high as the bar of push buttons beside it, so that the lines below both meet.
-    header->setMinimumHeight(QPushButton(QStringLiteral("Commit")).sizeHint().height() +
-                             2 * padding);
     return header;
 }
 
@@ -118,6 +114,11 @@ std::optional<QString> ChangeListPane::selectedPath() const
     if (selected.isEmpty())
         return std::nullopt;
     return m_model->rows().at(selected.constFirst().row()).path;
+}
+
+void ChangeListPane::setHeaderHeight(int height)
+{
+    m_header->setMinimumHeight(height);
 }
 
 void ChangeListPane::setRefreshEnabled(bool enabled)

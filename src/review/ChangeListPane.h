@@ -24,6 +24,8 @@ public:
     void setFiles(const QList<GitFile> &files, const std::optional<QString> &selected);
     std::optional<QString> selectedPath() const;
     void setRefreshEnabled(bool enabled);
+    /// The header is at least as high as that.
+    void setHeaderHeight(int height);
     QListView *list() const { return m_list; }
 
 Q_SIGNALS:
@@ -39,6 +41,7 @@ private:
     void buildList();
 
     ChangeListModel *m_model;
+    QWidget *m_header = nullptr;
     TextLabel *m_count = nullptr;
     QToolButton *m_refreshButton = nullptr;
     QListView *m_list;

@@ -44,7 +44,7 @@ DiffPane::DiffPane(QWidget *parent) : QWidget(parent)
 QWidget *DiffPane::buildToolBar()
 {
     using Emphasis = EmphasisButton::Emphasis;
-    auto *bar = new QWidget(this);
+    auto *bar = m_toolBar = new QWidget(this);
     m_path = new TextLabel(
         QString(), {.size = TextStyle::Headline, .overflow = TextLabel::Overflow::ElideHead}, bar);
     m_path->setObjectName(QStringLiteral("selectedPath"));
@@ -83,6 +83,11 @@ QWidget *DiffPane::buildBody()
     for (QWidget *page : {m_waitingPage, m_nothingPage, static_cast<QWidget *>(m_diff)})
         m_body->addWidget(page);
     return m_body;
+}
+
+int DiffPane::toolBarHeight() const
+{
+    return m_toolBar->sizeHint().height();
 }
 
 void DiffPane::setPath(const QString &path)

@@ -26,6 +26,8 @@ public:
 
     explicit DiffPane(QWidget *parent = nullptr);
 
+    /// How high the row with the path and the buttons wants to be.
+    int toolBarHeight() const;
     /// The selected file's path; empty when none is selected.
     void setPath(const QString &path);
     void setActions(const Actions &actions);
@@ -55,6 +57,7 @@ private:
     QWidget *buildBody();
     void showPage(QWidget *page);
 
+    QWidget *m_toolBar = nullptr;
     TextLabel *m_path = nullptr;
     BusySign *m_busySign = nullptr;
     QPushButton *m_approveButton = nullptr;

@@ -92,6 +92,7 @@ void ReviewView::buildLayout()
 {
     m_changes = new ChangeListPane(this);
     m_diff = new DiffPane(this);
+    m_changes->setHeaderHeight(m_diff->toolBarHeight()); // so that the lines below both meet
     auto *splitter = new QSplitter(Qt::Horizontal, this);
     splitter->setChildrenCollapsible(false);
     splitter->setHandleWidth(1);
