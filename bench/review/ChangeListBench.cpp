@@ -7,6 +7,7 @@
 #include "app/ContentView.h"
 #include "app/Environment.h"
 #include "interface/BusyProbe.h"
+#include "interface/RunUntil.h"
 #include "model/Store.h"
 #include "review/RunProcess.h"
 #include "support/Figures.h"
@@ -16,7 +17,6 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QFile>
 #include <QListView>
 #include <QTabWidget>
@@ -118,23 +118,6 @@ private:
     double m_seconds = 0;
 };
 
-template <typename Condition>
-void runUntil(Condition condition)
-{
-    constexpr int often = 20;
-    constexpr int afterwards = 500;
-    QEventLoop loop;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
-        if (!condition())
-            return;
-        timer.stop();
-        QTimer::singleShot(afterwards, &loop, &QEventLoop::quit);
-    });
-    timer.start(often);
-    loop.exec();
-}
-
 struct Times {
     Series shown;
     Series ratioTo; ///< `git status` in the same rounds
@@ -187,7 +170,6 @@ void addFigures(Report &report, const QString &what, const Times &times)
 
 struct AllTimes {
     Times open;
-    Times same;
     Times fewer;
     Times more;
     Times moved;
@@ -207,7 +189,6 @@ void measureRound(AllTimes &times, const ScratchHome &home, const QString &folde
     const auto refresh = [&window] {
         window.findChild<QToolButton *>(QStringLiteral("refresh"))->click();
     };
-    measure(times.same, window, folder, files, refresh);
     const QString restored = folder + QStringLiteral("/src/part-0000/component-0.cpp");
     write(restored, "one\n");
     measure(times.fewer, window, folder, files - 1, refresh);
@@ -259,7 +240,6 @@ int main(int argc, char **argv)
                       .arg(files)
                       .arg(QGuiApplication::platformName()));
     addFigures(report, QStringLiteral("opening the tab"), times.open);
-    addFigures(report, QStringLiteral("refresh, nothing changed"), times.same);
     addFigures(report, QStringLiteral("refresh, a file less"), times.fewer);
     addFigures(report, QStringLiteral("refresh, a file more"), times.more);
     addFigures(report, QStringLiteral("refresh, a file moved"), times.moved);

@@ -44,6 +44,18 @@ QJsonObject toJson(const Figure &figure)
     return json;
 }
 
+Figure figureOf(const QJsonObject &json)
+{
+    Figure figure{.what = json[QStringLiteral("what")].toString(),
+                  .comparedWith = json[QStringLiteral("comparedWith")].toString(),
+                  .unit = json[QStringLiteral("unit")].toString(),
+                  .best = json[QStringLiteral("best")].toDouble(),
+                  .usual = json[QStringLiteral("median")].toDouble()};
+    if (json.contains(QStringLiteral("target")))
+        figure.target = json[QStringLiteral("target")].toDouble();
+    return figure;
+}
+
 } // namespace
 
 double least(const Series &values)
@@ -79,14 +91,16 @@ Figure ratio(const QString &what, const Series &of, const QString &comparedWith,
             .target = target};
 }
 
-void Report::print() const
+void Report::printTable(const std::vector<Report> &reports)
 {
-    QString text = QLatin1Char('\n') + m_name + QLatin1Char('\n') +
-                   cell(QStringLiteral("what"), 44) + QStringLiteral("     best   median  ") +
-                   cell(QStringLiteral("unit"), 5) + cell(QStringLiteral("compared with"), 30) +
-                   QStringLiteral("target\n");
-    for (const Figure &figure : m_figures)
-        text += row(figure) + QLatin1Char('\n');
+    QString text = QLatin1Char('\n') + cell(QStringLiteral("what"), 44) +
+                   QStringLiteral("     best   median  ") + cell(QStringLiteral("unit"), 5) +
+                   cell(QStringLiteral("compared with"), 30) + QStringLiteral("target\n");
+    for (const Report &report : reports) {
+        text += QLatin1Char('\n') + report.m_name + QLatin1Char('\n');
+        for (const Figure &figure : report.m_figures)
+            text += row(figure).trimmed() + QLatin1Char('\n');
+    }
     std::fputs(text.toUtf8().constData(), stdout);
 }
 
@@ -94,12 +108,26 @@ bool Report::writeJson(const QString &path) const
 {
     if (path.isEmpty())
         return true;
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(toJson()).toJson()) > 0;
+}
+
+QJsonObject Report::toJson() const
+{
     QJsonArray figures;
     for (const Figure &figure : m_figures)
-        figures.append(toJson(figure));
-    const QJsonObject json{{QStringLiteral("name"), m_name},
-                           {QStringLiteral("figures"), figures},
-                           {QStringLiteral("details"), m_details}};
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(json).toJson()) > 0;
+        figures.append(::toJson(figure));
+    return {{QStringLiteral("name"), m_name},
+            {QStringLiteral("figures"), figures},
+            {QStringLiteral("details"), m_details}};
+}
+
+Report Report::fromJson(const QJsonObject &json)
+{
+    Report report(json[QStringLiteral("name")].toString());
+    report.m_details = json[QStringLiteral("details")].toObject();
+    const QJsonArray figures = json[QStringLiteral("figures")].toArray();
+    for (const QJsonValue &value : figures)
+        report.add(figureOf(value.toObject()));
+    return report;
 }

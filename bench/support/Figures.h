@@ -62,9 +62,16 @@ public:
     /// Something that stands in the JSON beside the figures.
     void addDetail(const QString &key, const QJsonValue &value) { m_details[key] = value; }
 
-    void print() const;
+    void print() const { printTable({*this}); }
     /// Writes the JSON, unless `path` is empty. False when the disk refuses.
     bool writeJson(const QString &path) const;
+
+    QJsonObject toJson() const;
+    /// What toJson() gave.
+    static Report fromJson(const QJsonObject &json);
+
+    /// One table of several reports.
+    static void printTable(const std::vector<Report> &reports);
 
 private:
     QString m_name;
