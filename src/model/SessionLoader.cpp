@@ -98,7 +98,8 @@ Plan makePlan(std::vector<Log> &logs, size_t workers)
             plan.tasks.push_back({.log = &log, .size = log.size});
             continue;
         }
-        SplitLog &split = plan.splits.emplace_back(SplitLog{&log, openRegularFile(log.file.c_str()), {}});
+        SplitLog &split =
+            plan.splits.emplace_back(SplitLog{&log, openRegularFile(log.file.c_str()), {}});
         if (!split.file.isOpen())
             continue;
         split.parts.resize(parts);
