@@ -64,8 +64,10 @@ public:
     bool isReady() const { return m_reporter.isOpen(); }
     const QString &executable() const { return m_executable; }
 
-    /// In the child, where nothing may be called but the system. Returns only to fail.
-    void becomeProgram() const
+    /// In the child, where nothing may be called but the system. Returns only to fail. The child
+    /// shares the parent's memory: an address sanitizer's marks around variables on the stack would
+    /// stay behind there for the parent to stumble over.
+    [[gnu::no_sanitize_address]] void becomeProgram() const
     {
         Report report;
         report.inFolder = !m_cwdBytes.isEmpty() && ::chdir(m_cwdBytes.constData()) != 0;
