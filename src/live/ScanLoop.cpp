@@ -53,15 +53,14 @@ void ScanLoop::scan()
 {
     m_pause.stop();
     m_scanning = true;
-    const std::stop_token stop = m_stop.get_token();
     Background::run(
-        this, stop,
+        this, m_stop.get_token(),
         [scanner = m_scanner](const std::stop_token &token) {
             if (token.stop_requested()) // it may have waited for a thread
                 return Scan();
             return scanner();
         },
-        [this, stop](const Scan &scan) { take(scan, stop); });
+        [this, stop = m_stop.get_token()](const Scan &scan) { take(scan, stop); });
 }
 
 void ScanLoop::take(const Scan &result, const std::stop_token &stop)
