@@ -46,18 +46,6 @@ void SessionBuilder::add(const simdjson::dom::object &line)
         addUsage(*message, date);
 }
 
-std::optional<TimePoint> SessionBuilder::onlyTime(const simdjson::dom::object &beginning)
-{
-    const JsonFields<3> fields(beginning, {"timestamp", "type", "message"});
-    const auto message = jsonAs<simdjson::dom::object>(fields[2]);
-    if (jsonAs<std::string_view>(fields[1]) != "user" || !message)
-        return std::nullopt;
-    const JsonFields<1> content(*message, {"content"});
-    if (content[0] && SessionParser::promptText(*content[0]))
-        return std::nullopt;
-    return timeOf(fields[0]);
-}
-
 void SessionBuilder::append(SessionBuilder &&later)
 {
     datesFollow(later.m_withId);

@@ -20,10 +20,6 @@ public:
     /// Takes the next line of the log.
     void add(const simdjson::dom::object &line);
 
-    /// The time of a line of which only the beginning is known, if that time is all for which the
-    /// line can count: whatever follows, it holds neither a turn nor usage.
-    static std::optional<TimePoint> onlyTime(const simdjson::dom::object &beginning);
-
     /// The earliest and the latest time so far.
     std::optional<TimePoint> start() const { return m_start; }
     std::optional<TimePoint> end() const { return m_end; }

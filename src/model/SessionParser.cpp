@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "model/SessionParser.h"
 
+#include "model/IsoDate.h"
 #include "model/JsonFields.h"
 
 #include <algorithm>
@@ -53,6 +54,47 @@ bool SessionReader::readLines(SessionBuilder &session, const std::stop_token &st
     return !m_lines.failed();
 }
 
+/// The time of a line with the result of a tool, of which only the beginning is known. Nothing when
+/// it may count for more than its time. Read lazily: whether the line is JSON need not be known.
+std::optional<TimePoint> SessionReader::timeOfResult(simdjson::padded_string_view beginning)
+{
+    namespace ondemand = simdjson::ondemand;
+    std::optional<TimePoint> date;
+    bool isUser = false;
+    bool isResult = false;
+    const auto take = [&](ondemand::field field) -> simdjson::error_code {
+        std::string_view key;
+        SIMDJSON_TRY(field.unescaped_key().get(key));
+        std::string_view text;
+        if (key == "type") {
+            SIMDJSON_TRY(field.value().get_string().get(text));
+            isUser = text == "user";
+        } else if (key == "timestamp") {
+            SIMDJSON_TRY(field.value().get_string().get(text));
+            date = SessionParser::isoFrac(text);
+        } else if (key == "message") {
+            ondemand::array content;
+            SIMDJSON_TRY(field.value()["content"].get_array().get(content));
+            isResult = false;
+            for (auto item : content) {
+                SIMDJSON_TRY(item["type"].get_string().get(text));
+                isResult = isResult || text == "tool_result";
+            }
+        }
+        return simdjson::SUCCESS;
+    };
+    ondemand::document document;
+    ondemand::object object;
+    if (m_lazy.iterate(beginning).get(document) || document.get_object().get(object))
+        return std::nullopt;
+    for (auto field : object) {
+        ondemand::field known;
+        if (std::move(field).get(known) || take(std::move(known)))
+            return std::nullopt;
+    }
+    return isUser && isResult ? date : std::nullopt;
+}
+
 /// Whether the rest of a line can stay unread. Most bytes of a log are results of tools, and a line
 /// with such a result counts for its time only: for nothing, valid or not, when that lies between
 /// the times of lines that have been read. If it lies behind them, readLatest() returns to it.
@@ -71,8 +113,8 @@ bool SessionReader::passOver(std::string_view line, const SessionBuilder &sessio
     m_beginning.assign(line, 0, length);
     m_beginning += '}';
     m_beginning.append(LineReader::padding, ' ');
-    const auto object = m_json.object(std::string_view(m_beginning).substr(0, length + 1));
-    const auto date = object ? SessionBuilder::onlyTime(*object) : std::nullopt;
+    const auto date = timeOfResult(
+        simdjson::padded_string_view(m_beginning.data(), length + 1, m_beginning.size()));
     if (!date || !session.start() || *date < *session.start())
         return false;
     if (*date <= *session.end())

@@ -37,11 +37,13 @@ private:
     };
 
     bool readLines(SessionBuilder &session, const std::stop_token &stop);
+    std::optional<TimePoint> timeOfResult(simdjson::padded_string_view beginning);
     bool passOver(std::string_view line, const SessionBuilder &session);
     void readLatest(SessionBuilder &session);
 
     LineReader m_lines;
     JsonLineParser m_json;
+    simdjson::ondemand::parser m_lazy; // for the beginnings of lines
     std::string m_beginning;
     std::vector<Latest> m_latest;
 };

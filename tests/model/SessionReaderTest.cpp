@@ -143,6 +143,16 @@ void SessionReaderTest::keyInsideOtherValues_data()
         << R"({"type":"user","x":{"y":1,"toolUseResult":)" + output +
                R"(},"message":{"content":"behind"},"timestamp":")" + time(150) + R"("})"
         << u"1 turns, \"behind\""_qs;
+    QTest::newRow("in the message, behind the time")
+        << R"({"type":"user","timestamp":")" + time(250) +
+               R"(","message":{"content":[{"type":"tool_result"}],"toolUseResult":)" + output + "}}"
+        << u"to 2025-01-01T04:10:00.000Z"_qs;
+    QTest::newRow("a result among texts")
+        << toolLine(150, rest, R"([{"type":"text","text":"said"},{"type":"tool_result"}])")
+        << u"0 turns"_qs;
+    QTest::newRow("an item without type")
+        << toolLine(150, rest, R"([{"text":"said"},{"type":"text","text":"more"}])")
+        << u"1 turns, \"more\""_qs;
     QTest::newRow("in an inner list")
         << R"({"type":"user","x":[1,{"y":1,"toolUseResult":)" + output +
                R"(}],"message":{"content":"behind"},"timestamp":")" + time(150) + R"("})"
