@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "context/ContextListModel.h"
 
+#include "model/Files.h"
 #include "ui/ToolTips.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ bool isHeader(const ContextFile &row)
 
 QString fileName(const ContextFile &row)
 {
-    return row.path.mid(row.path.lastIndexOf(u'/') + 1);
+    return lastPathComponent(row.path).toString();
 }
 
 QVariant scopeData(const ContextFile &row, int role)

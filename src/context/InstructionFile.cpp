@@ -43,11 +43,6 @@ QString problemOf(const QByteArray &path)
     return shownEmpty(u"This file cannot be read.");
 }
 
-QString systemText(int error)
-{
-    return QString::fromLocal8Bit(std::generic_category().message(error)).simplified();
-}
-
 int makeFolders(const fs::path &folder)
 {
     if (::mkdir(folder.c_str(), 0777) == 0)
@@ -202,5 +197,5 @@ InstructionText readInstructions(const QString &path)
 std::optional<QString> saveInstructions(const QString &path, const QByteArray &bytes)
 {
     const int error = save(path.toStdString(), bytes);
-    return error == 0 ? std::nullopt : std::optional(systemText(error));
+    return error == 0 ? std::nullopt : std::optional(systemText(error).simplified());
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "live/ProcessScanner.h"
 
+#include "model/Files.h"
+#include "model/Words.h"
 #include "review/RunProcess.h"
 
 #include <QFileInfo>
@@ -44,27 +46,6 @@ double toCpu(QStringView text)
 {
     const double cpu = text.toDouble();
     return std::isnan(cpu) ? 0 : cpu; // which could not be sorted
-}
-
-/// Takes the next run of characters other than blanks off the beginning of the rest.
-QStringView takeWord(QStringView &rest)
-{
-    qsizetype begin = 0;
-    while (begin < rest.size() && rest[begin] == u' ')
-        ++begin;
-    qsizetype end = begin;
-    while (end < rest.size() && rest[end] != u' ')
-        ++end;
-    const QStringView word = rest.mid(begin, end - begin);
-    rest = rest.mid(end);
-    return word;
-}
-
-QStringView lastPathComponent(QStringView path)
-{
-    while (path.size() > 1 && path.endsWith(u'/'))
-        path.chop(1);
-    return path.size() == 1 ? path : path.mid(path.lastIndexOf(u'/') + 1);
 }
 
 /// What a command line is an instance of: the program, or the script that a runtime runs.

@@ -6,8 +6,21 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
+
+QStringView lastPathComponent(QStringView path)
+{
+    while (path.size() > 1 && path.endsWith(u'/'))
+        path.chop(1);
+    return path == u"/" ? path : path.mid(path.lastIndexOf(u'/') + 1);
+}
+
+QString systemText(int error)
+{
+    return QString::fromLocal8Bit(std::generic_category().message(error));
+}
 
 FileDescriptor::FileDescriptor(FileDescriptor &&other) noexcept
     : m_fd(std::exchange(other.m_fd, -1))

@@ -3,8 +3,15 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringView>
 
 #include <optional>
+
+/// What a path ends with: the name of its file or folder, without slashes; "/" for the root.
+QStringView lastPathComponent(QStringView path);
+
+/// The system's own words for an error number.
+QString systemText(int error);
 
 /// A file descriptor that is closed with its owner.
 class FileDescriptor {

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "model/Project.h"
 
+#include "model/Files.h"
+
 QString Project::name() const
 {
-    QStringView rest = path;
-    while (rest.size() > 1 && rest.endsWith(u'/'))
-        rest.chop(1);
-    return rest == u"/" ? rest.toString() : rest.mid(rest.lastIndexOf(u'/') + 1).toString();
+    return lastPathComponent(path).toString();
 }
 
 size_t qHash(const Project &project, size_t seed)

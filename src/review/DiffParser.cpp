@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "review/DiffParser.h"
 
+#include "model/Words.h"
+
 #include <array>
 #include <limits>
 
@@ -26,20 +28,6 @@ int numberOf(QStringView piece)
             return 0;
     }
     return static_cast<int>(negative ? -number : number);
-}
-
-/// The next piece of a line between blanks; takes it off the line.
-QStringView takePiece(QStringView &line)
-{
-    qsizetype begin = 0;
-    while (begin < line.size() && line[begin] == u' ')
-        ++begin;
-    qsizetype end = begin;
-    while (end < line.size() && line[end] != u' ')
-        ++end;
-    const QStringView piece = line.mid(begin, end - begin);
-    line = line.mid(end);
-    return piece;
 }
 
 /// The start of a range such as -12,3.
@@ -77,9 +65,9 @@ private:
     {
         m_rows.append({m_rows.size(), DiffHunk{line}});
         endRun();
-        takePiece(line);
+        takeWord(line);
         for (quint32 &next : m_next)
-            next = static_cast<quint32>(startOf(takePiece(line)));
+            next = static_cast<quint32>(startOf(takeWord(line)));
         m_insideHunk = true;
     }
 

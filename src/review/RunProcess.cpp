@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -22,11 +21,6 @@ namespace {
 bool canBePassedOn(const QString &text)
 {
     return !text.contains(QChar::Null);
-}
-
-QString systemText(int error)
-{
-    return QString::fromStdString(std::generic_category().message(error));
 }
 
 ShellResult notStarted(const QString &why)

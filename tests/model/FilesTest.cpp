@@ -9,6 +9,7 @@
 #include <QFileInfo>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -46,6 +47,9 @@ class FilesTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void init();
+    void lastComponents_data();
+    void lastComponents();
+    void systemsOwnWords();
     void opensRegularFilesAndLinksToThem();
     void opensNothingElse_data();
     void opensNothingElse();
@@ -82,6 +86,30 @@ void FilesTest::init()
     makeSpecialFiles(m_home->path(), QString());
     writeFile(path(u"file"_qs), "text");
     QVERIFY(QFile::link(path(u"file"_qs), path(u"link"_qs)));
+}
+
+void FilesTest::lastComponents_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("last");
+    QTest::newRow("file") << u"/a/b/c.txt"_qs << u"c.txt"_qs;
+    QTest::newRow("folder with slashes") << u"/a/b//"_qs << u"b"_qs;
+    QTest::newRow("name alone") << u"b"_qs << u"b"_qs;
+    QTest::newRow("root") << u"/"_qs << u"/"_qs;
+    QTest::newRow("root, twice") << u"//"_qs << u"/"_qs;
+    QTest::newRow("nothing") << QString() << QString();
+}
+
+void FilesTest::lastComponents()
+{
+    QFETCH(const QString, path);
+    QFETCH(const QString, last);
+    QCOMPARE(lastPathComponent(path).toString(), last);
+}
+
+void FilesTest::systemsOwnWords()
+{
+    QCOMPARE(systemText(ENOENT), u"No such file or directory"_qs);
 }
 
 void FilesTest::opensRegularFilesAndLinksToThem()
