@@ -5,11 +5,11 @@
 #include "app/Sidebar.h"
 #include "model/Store.h"
 #include "ui/EmptyState.h"
+#include "ui/PaneSplitter.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QShortcut>
-#include <QSplitter>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QWindow>
@@ -38,14 +38,8 @@ void ContentView::buildLayout()
     m_detailArea = new QStackedWidget(this);
     m_detailArea->addWidget(m_placeholder);
 
-    auto *splitter = new QSplitter(Qt::Horizontal, this);
-    splitter->setChildrenCollapsible(false);
-    splitter->setHandleWidth(1);
-    splitter->addWidget(m_sidebar);
-    splitter->addWidget(m_detailArea);
-    splitter->setStretchFactor(1, 1);
-    splitter->setSizes({sidebarWidth, smallestContent.width() - sidebarWidth});
-    setCentralWidget(splitter);
+    setCentralWidget(new PaneSplitter(m_sidebar, sidebarWidth, m_detailArea,
+                                      smallestContent.width() - sidebarWidth, this));
     setMinimumSize(smallestContent);
     m_sidebar->setFocus(); // the arrow keys walk the projects from the start
 }

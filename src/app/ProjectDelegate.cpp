@@ -4,8 +4,8 @@
 #include "app/ProjectListModel.h"
 #include "ui/Colors.h"
 #include "ui/Fonts.h"
+#include "ui/ItemPainting.h"
 
-#include <QApplication>
 #include <QPainter>
 
 namespace {
@@ -16,15 +16,6 @@ constexpr int iconSize = 16;
 constexpr int iconGap = 6;
 constexpr int lineGap = 2;
 
-/// One line of a row, shortened to its place.
-void drawLine(QPainter &painter, const QRect &place, const QFont &font, const QString &text,
-              Qt::TextElideMode elide)
-{
-    painter.setFont(font);
-    painter.drawText(place, int(Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine),
-                     QFontMetrics(font).elidedText(text, elide, place.width()));
-}
-
 } // namespace
 
 void ProjectDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
@@ -32,11 +23,7 @@ void ProjectDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
 {
     QStyleOptionViewItem row = option;
     initStyleOption(&row, index);
-    const QIcon icon = row.icon;
-    row.text.clear();
-    row.icon = {};
-    const QStyle *style = row.widget ? row.widget->style() : QApplication::style();
-    style->drawControl(QStyle::CE_ItemViewItem, &row, painter, row.widget);
+    paintItemGround(painter, row);
 
     const bool selected = row.state & QStyle::State_Selected;
     const QPalette::ColorRole text = selected ? QPalette::HighlightedText : QPalette::Text;
@@ -50,17 +37,16 @@ void ProjectDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->save();
     QRect iconPlace(name.left(), 0, iconSize, iconSize);
     iconPlace.moveCenter(QPoint(iconPlace.center().x(), name.center().y()));
-    icon.paint(painter, QStyle::visualRect(row.direction, row.rect, iconPlace), Qt::AlignCenter,
-               selected ? QIcon::Selected : QIcon::Normal);
+    row.icon.paint(painter, QStyle::visualRect(row.direction, row.rect, iconPlace), Qt::AlignCenter,
+                   selected ? QIcon::Selected : QIcon::Normal);
     name.setLeft(iconPlace.right() + 1 + iconGap);
     path.setLeft(name.left());
     painter->setPen(row.palette.color(text));
-    drawLine(*painter, QStyle::visualRect(row.direction, row.rect, name), nameFont,
-             index.data().toString(), Qt::ElideRight);
+    paintItemLine(painter, row, name, nameFont, index.data().toString(), Qt::ElideRight);
     if (!selected) // on the highlight the secondary colour would be hard to read
         painter->setPen(Colors::secondaryText(row.palette, text, QPalette::Base));
-    drawLine(*painter, QStyle::visualRect(row.direction, row.rect, path), pathFont,
-             index.data(ProjectListModel::PathRole).toString(), Qt::ElideLeft);
+    paintItemLine(painter, row, path, pathFont, index.data(ProjectListModel::PathRole).toString(),
+                  Qt::ElideLeft);
     painter->restore();
 }
 

@@ -7,16 +7,15 @@
 #include "model/Store.h"
 #include "ui/EmptyState.h"
 #include "ui/Icons.h"
-#include "ui/Separator.h"
 #include "ui/TextLabel.h"
 
 #include <QFileDialog>
-#include <QGridLayout>
 #include <QListView>
 #include <QMenu>
 #include <QScopedValueRollback>
 #include <QStackedWidget>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -43,12 +42,11 @@ Sidebar::Sidebar(Store &store, QWidget *parent)
     buildList();
     m_body->addWidget(m_list);
     m_body->addWidget(m_emptyState);
-    auto *layout = new QGridLayout(this);
+    auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(buildToolBar(), 0, 0);
-    layout->addWidget(m_body, 1, 0);
-    layout->addWidget(new Separator(Qt::Vertical, this), 0, 1, 2, 1);
+    layout->addWidget(buildToolBar());
+    layout->addWidget(m_body, 1);
     connectSignals();
     updateProjects();
 }

@@ -5,8 +5,8 @@
 #include "ui/Colors.h"
 #include "ui/Fonts.h"
 #include "ui/Icons.h"
+#include "ui/ItemPainting.h"
 
-#include <QApplication>
 #include <QPainter>
 
 namespace {
@@ -18,24 +18,14 @@ constexpr int iconSize = 16;
 constexpr int gap = 6;
 constexpr int lineGap = 2;
 
-/// One line of text, shortened to its place; `place` is as it would be from left to right.
-void drawLine(QPainter &painter, const QStyleOptionViewItem &row, const QRect &place,
-              const QFont &font, const QString &text, Qt::TextElideMode elide)
-{
-    painter.setFont(font);
-    painter.drawText(QStyle::visualRect(row.direction, row.rect, place),
-                     int(Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine),
-                     QFontMetrics(font).elidedText(text, elide, place.width()));
-}
-
-void paintHeader(QPainter &painter, const QStyleOptionViewItem &row, const QString &text)
+void paintHeader(QPainter *painter, const QStyleOptionViewItem &row, const QString &text)
 {
     QPalette palette = row.palette;
     palette.setCurrentColorGroup(QPalette::Active); // it cannot be chosen, but it is to be read
-    painter.setPen(Colors::secondaryText(palette, QPalette::Text, QPalette::Base));
-    drawLine(painter, row,
-             row.rect.adjusted(horizontalPadding, headerPadding, -horizontalPadding, 0),
-             textFont(TextStyle::Caption, true), text, Qt::ElideRight);
+    painter->setPen(Colors::secondaryText(palette, QPalette::Text, QPalette::Base));
+    paintItemLine(painter, row,
+                  row.rect.adjusted(horizontalPadding, headerPadding, -horizontalPadding, 0),
+                  textFont(TextStyle::Caption, true), text, Qt::ElideRight);
 }
 
 } // namespace
@@ -45,19 +35,17 @@ void ContextDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
 {
     QStyleOptionViewItem row = option;
     initStyleOption(&row, index);
-    row.text.clear();
     painter->save();
     if (index.data(ContextListModel::HeaderRole).toBool()) {
-        paintHeader(*painter, row, index.data().toString());
+        paintHeader(painter, row, index.data().toString());
     } else {
-        const QStyle *style = row.widget ? row.widget->style() : QApplication::style();
-        style->drawControl(QStyle::CE_ItemViewItem, &row, painter, row.widget);
-        paintFile(*painter, row, index);
+        paintItemGround(painter, row);
+        paintFile(painter, row, index);
     }
     painter->restore();
 }
 
-void ContextDelegate::paintFile(QPainter &painter, const QStyleOptionViewItem &row,
+void ContextDelegate::paintFile(QPainter *painter, const QStyleOptionViewItem &row,
                                 const QModelIndex &index) const
 {
     const bool selected = row.state & QStyle::State_Selected;
@@ -73,27 +61,27 @@ void ContextDelegate::paintFile(QPainter &painter, const QStyleOptionViewItem &r
         row.rect.adjusted(horizontalPadding, verticalPadding, -horizontalPadding, -verticalPadding);
     const QRect icon(place.left(), place.center().y() - iconSize / 2, iconSize, iconSize);
     symbolIcon(exists ? u"doc.text" : u"plus.circle", exists ? primary : secondary)
-        .paint(&painter, QStyle::visualRect(row.direction, row.rect, icon), Qt::AlignCenter,
+        .paint(painter, QStyle::visualRect(row.direction, row.rect, icon), Qt::AlignCenter,
                selected ? QIcon::Selected : QIcon::Normal);
     place.setLeft(icon.right() + 1 + gap);
 
-    painter.setPen(secondary);
+    painter->setPen(secondary);
     if (!exists) {
         const QString word = QStringLiteral("new");
         const int width = QFontMetrics(smallFont).horizontalAdvance(word);
         QRect mark = place;
         mark.setLeft(place.right() + 1 - width);
-        drawLine(painter, row, mark, smallFont, word, Qt::ElideNone);
+        paintItemLine(painter, row, mark, smallFont, word, Qt::ElideNone);
         place.setRight(mark.left() - 1 - gap);
     }
     QRect path = place;
     path.setTop(place.bottom() + 1 - QFontMetrics(smallFont).height());
-    drawLine(painter, row, path, smallFont, index.data(ContextListModel::LabelRole).toString(),
-             Qt::ElideLeft);
+    paintItemLine(painter, row, path, smallFont, index.data(ContextListModel::LabelRole).toString(),
+                  Qt::ElideLeft);
     QRect name = place;
     name.setBottom(path.top() - 1 - lineGap);
-    painter.setPen(primary);
-    drawLine(painter, row, name, nameFont, index.data().toString(), Qt::ElideRight);
+    painter->setPen(primary);
+    paintItemLine(painter, row, name, nameFont, index.data().toString(), Qt::ElideRight);
 }
 
 QSize ContextDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const

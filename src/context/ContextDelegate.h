@@ -15,6 +15,6 @@ public:
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 
 private:
-    void paintFile(QPainter &painter, const QStyleOptionViewItem &row,
+    void paintFile(QPainter *painter, const QStyleOptionViewItem &row,
                    const QModelIndex &index) const;
 };

@@ -6,14 +6,13 @@
 #include "context/ContextListModel.h"
 #include "context/EditorPane.h"
 #include "context/InstructionFile.h"
+#include "ui/BusyPage.h"
 #include "ui/EmptyState.h"
-#include "ui/Spinner.h"
-#include "ui/TextLabel.h"
+#include "ui/PaneSplitter.h"
 
 #include <QListView>
 #include <QScopedValueRollback>
 #include <QShowEvent>
-#include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -75,16 +74,10 @@ ContextView::ContextView(const Project &project, const QString &home, QWidget *p
     setObjectName(QStringLiteral("contextView"));
     m_patience.setSingleShot(true);
     m_patience.setInterval(patience);
-    auto *splitter = new QSplitter(Qt::Horizontal, this);
-    splitter->setChildrenCollapsible(false);
-    splitter->setHandleWidth(1);
-    splitter->addWidget(buildList());
-    splitter->addWidget(buildDetail());
-    splitter->setStretchFactor(1, 1);
-    splitter->setSizes({usualList, narrowestDetail});
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(splitter);
+    QWidget *list = buildList(); // first, because Tab goes in the order of making
+    layout->addWidget(new PaneSplitter(list, usualList, buildDetail(), narrowestDetail, this));
     connectSignals();
 }
 
@@ -106,7 +99,7 @@ QWidget *ContextView::buildList()
 QWidget *ContextView::buildDetail()
 {
     m_blankPage = new QWidget(this);
-    m_busyPage = buildBusyPage();
+    m_busyPage = new BusyPage(QStringLiteral("Reading\u2026"), this);
     m_emptyPage = new EmptyState(
         QStringLiteral("doc.text"), QStringLiteral("No file selected"),
         QStringLiteral("Choose a CLAUDE.md, AGENTS.md, GEMINI.md or Cursor rules file to edit."),
@@ -118,20 +111,6 @@ QWidget *ContextView::buildDetail()
                           static_cast<QWidget *>(m_pane)})
         m_detail->addWidget(page);
     return m_detail;
-}
-
-QWidget *ContextView::buildBusyPage()
-{
-    auto *page = new QWidget(this);
-    page->setObjectName(QStringLiteral("busy"));
-    auto *layout = new QVBoxLayout(page);
-    layout->addStretch();
-    layout->addWidget(new Spinner(page), 0, Qt::AlignHCenter);
-    layout->addWidget(
-        new TextLabel(QStringLiteral("Reading\u2026"), {.tone = TextLabel::Tone::Secondary}, page),
-        0, Qt::AlignHCenter);
-    layout->addStretch();
-    return page;
 }
 
 void ContextView::connectSignals()

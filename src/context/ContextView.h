@@ -51,7 +51,6 @@ private:
 
     QWidget *buildList();
     QWidget *buildDetail();
-    QWidget *buildBusyPage();
     void connectSignals();
 
     void read(Reading what);

@@ -14,7 +14,7 @@ namespace {
 constexpr int padding = 8;
 constexpr int iconSize = 16;
 constexpr int iconGap = 6;
-constexpr float tint = 0.12F;
+constexpr float opacity = 0.12F;
 
 } // namespace
 
@@ -34,10 +34,8 @@ WarningBar::WarningBar(const QString &text, QWidget *parent)
 void WarningBar::paintEvent(QPaintEvent *)
 {
     const QColor orange = Colors::hue(Colors::Hue::Orange, palette());
-    QColor ground = orange;
-    ground.setAlphaF(tint);
     QPainter painter(this);
-    painter.fillRect(rect(), ground);
+    painter.fillRect(rect(), Colors::tint(Colors::Hue::Orange, palette(), opacity));
     // Level with the first line of the text.
     const int lineHeight = QFontMetrics(m_label->font()).height();
     const QRect icon(padding, m_label->y() + (lineHeight - iconSize) / 2, iconSize, iconSize);

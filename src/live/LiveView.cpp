@@ -5,6 +5,7 @@
 #include "live/LiveModel.h"
 #include "live/StopDelegate.h"
 #include "live/StopDialog.h"
+#include "model/Files.h"
 #include "ui/EmptyState.h"
 #include "ui/Fonts.h"
 #include "ui/Separator.h"
@@ -17,26 +18,10 @@
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
-#include <QtMath>
-
-#include <algorithm>
-#include <system_error>
 
 namespace {
 
 constexpr int padding = 10;
-
-/// The column's width, or more where the user's font needs it for its title or its widest text.
-void setColumn(QTableView *table, int column, int width, const QFont &font, const QString &widest)
-{
-    constexpr int cell = 1000;
-    const int around = cell - CellDelegate::textPlace(QRect(0, 0, cell, 0), column).width();
-    const int text = qCeil(QFontMetricsF(font).horizontalAdvance(widest)) + 1;
-    QHeaderView *header = table->horizontalHeader();
-    header->setSectionResizeMode(column, QHeaderView::Fixed);
-    header->resizeSection(column,
-                          std::max({width, header->sectionSizeHint(column), text + around}));
-}
 
 void setUpTable(TableView *table)
 {
@@ -45,12 +30,12 @@ void setUpTable(TableView *table)
     table->setItemDelegateForColumn(LiveModel::Folder, new FolderDelegate(table));
     table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().lineSpacing() + 14);
     const QFont bold = textFont(TextStyle::Body, true);
-    setColumn(table, LiveModel::Agent, 100, bold, QStringLiteral("cursor-agent"));
-    setColumn(table, LiveModel::Pid, 60, numberFont(), QStringLiteral("4194304"));
-    setColumn(table, LiveModel::Cpu, 60, numberFont(), QStringLiteral("1000.0%"));
-    setColumn(table, LiveModel::Uptime, 90, numberFont(), QStringLiteral("100-00:00:00"));
-    setColumn(table, LiveModel::Stop, qMax(60, StopDelegate::columnWidth(table->fontMetrics())),
-              table->font(), QString());
+    table->setFixedColumn(LiveModel::Agent, 100, QStringLiteral("cursor-agent"), bold);
+    table->setFixedColumn(LiveModel::Pid, 60, QStringLiteral("4194304"), numberFont());
+    table->setFixedColumn(LiveModel::Cpu, 60, QStringLiteral("1000.0%"), numberFont());
+    table->setFixedColumn(LiveModel::Uptime, 90, QStringLiteral("100-00:00:00"), numberFont());
+    table->setFixedColumn(LiveModel::Stop,
+                          qMax(60, StopDelegate::columnWidth(table->fontMetrics())));
     table->horizontalHeader()->setSectionResizeMode(LiveModel::Folder, QHeaderView::Stretch);
 }
 
@@ -191,10 +176,9 @@ void LiveView::stopPending()
     if (error == 0)
         setMessage(std::nullopt);
     else
-        setMessage(
-            QStringLiteral("Could not stop PID %1: %2")
-                .arg(m_pending->agent.pid)
-                .arg(QString::fromLocal8Bit(std::generic_category().message(error).c_str())));
+        setMessage(QStringLiteral("Could not stop PID %1: %2")
+                       .arg(m_pending->agent.pid)
+                       .arg(systemText(error)));
 }
 
 void LiveView::setMessage(const std::optional<QString> &message)

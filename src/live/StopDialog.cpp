@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "live/StopDialog.h"
 
-#include "ui/Colors.h"
+#include "ui/EmphasisButton.h"
 #include "ui/Fonts.h"
 
 #include <QLabel>
-#include <QPushButton>
 
 namespace {
 
@@ -25,13 +24,12 @@ StopDialog::StopDialog(const AgentProcess &agent, QWidget *parent) : QMessageBox
         QStringLiteral("%1 in %2 will be asked to terminate.").arg(agent.agent, agent.folder));
     setUpLabels(title);
 
-    QPushButton *stop = addButton(QStringLiteral("Send SIGTERM to PID %1").arg(agent.pid),
-                                  QMessageBox::DestructiveRole);
+    auto *stop = new EmphasisButton(EmphasisButton::Emphasis::Destructive,
+                                    QStringLiteral("Send SIGTERM to PID %1").arg(agent.pid), this);
     stop->setObjectName(QStringLiteral("sendSigterm"));
+    stop->setAutoDefault(false);
     stop->setMinimumWidth(stop->sizeHint().width() + 2 * buttonPadding);
-    QPalette red;
-    red.setColor(QPalette::ButtonText, Colors::hue(Colors::Hue::Red, palette()));
-    stop->setPalette(red);
+    addButton(stop, QMessageBox::DestructiveRole);
     connect(this, &QDialog::finished, this,
             [this, stop] { Q_EMIT answered(clickedButton() == stop); });
     addButton(QMessageBox::Cancel);

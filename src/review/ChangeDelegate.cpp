@@ -5,10 +5,10 @@
 #include "ui/Colors.h"
 #include "ui/Fonts.h"
 #include "ui/Icons.h"
+#include "ui/ItemPainting.h"
 #include "ui/ToolTips.h"
 
 #include <QAbstractItemView>
-#include <QApplication>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -46,9 +46,7 @@ void ChangeDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option
 {
     QStyleOptionViewItem row = option;
     initStyleOption(&row, index);
-    row.text.clear();
-    const QStyle *style = row.widget ? row.widget->style() : QApplication::style();
-    style->drawControl(QStyle::CE_ItemViewItem, &row, painter, row.widget);
+    paintItemGround(painter, row);
 
     const GitFile &file = fileOf(index);
     const bool selected = row.state & QStyle::State_Selected;
@@ -64,11 +62,8 @@ void ChangeDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option
     painter->drawText(placed(badge), int(Qt::AlignCenter | Qt::TextSingleLine), file.badge());
 
     painter->setPen(text);
-    painter->setFont(row.font);
     const QRect path = pathPlace(row.rect, file.isWhollyStaged());
-    painter->drawText(
-        placed(path), int(Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine),
-        row.fontMetrics.elidedText(index.data().toString(), Qt::ElideLeft, path.width()));
+    paintItemLine(painter, row, path, row.font, index.data().toString(), Qt::ElideLeft);
     if (file.isWhollyStaged()) {
         QRect check(path.right() + 1 + gap, 0, checkSize, checkSize);
         check.moveCenter({check.center().x(), row.rect.center().y()});

@@ -11,14 +11,13 @@
 #include "review/TextCells.h"
 #include "ui/EmphasisButton.h"
 #include "ui/EmptyState.h"
-#include "ui/Separator.h"
+#include "ui/PaneSplitter.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QListView>
 #include <QMessageBox>
 #include <QShortcut>
-#include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -93,18 +92,7 @@ void ReviewView::buildLayout()
     m_changes = new ChangeListPane(this);
     m_diff = new DiffPane(this);
     m_changes->setHeaderHeight(m_diff->toolBarHeight()); // so that the lines below both meet
-    auto *splitter = new QSplitter(Qt::Horizontal, this);
-    splitter->setChildrenCollapsible(false);
-    splitter->setHandleWidth(1);
-    splitter->addWidget(m_changes);
-    splitter->addWidget(m_diff);
-    splitter->setStretchFactor(1, 1);
-    splitter->setSizes({listWidth, diffWidth});
-    // The style paints nothing in a handle that is so narrow.
-    auto *line = new QHBoxLayout(splitter->handle(1));
-    line->setContentsMargins(0, 0, 0, 0);
-    line->addWidget(new Separator(Qt::Vertical, splitter->handle(1)));
-    m_review = splitter;
+    m_review = new PaneSplitter(m_changes, listWidth, m_diff, diffWidth, this);
     m_noRepo = new EmptyState(
         QStringLiteral("arrow.triangle.branch"), QStringLiteral("Not a Git repository"),
         m_project.path +

@@ -2,10 +2,10 @@
 #include "ui/CellDelegate.h"
 
 #include "ui/Colors.h"
+#include "ui/ItemPainting.h"
 #include "ui/ToolTips.h"
 
 #include <QAbstractItemView>
-#include <QApplication>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -34,9 +34,7 @@ void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
 {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    cell.text.clear(); // the style paints the rest: background, selection, focus
-    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
-    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+    paintItemGround(painter, cell);
 
     const bool selected = cell.state & QStyle::State_Selected;
     painter->save();

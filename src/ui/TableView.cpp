@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QScrollBar>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -46,6 +47,14 @@ void TableView::setFixedColumn(int column, int width)
 {
     horizontalHeader()->resizeSection(column,
                                       qMax(width, horizontalHeader()->sectionSizeHint(column)));
+}
+
+void TableView::setFixedColumn(int column, int width, const QString &widest, const QFont &font)
+{
+    constexpr int cell = 1000;
+    const int around = cell - CellDelegate::textPlace(QRect(0, 0, cell, 0), column).width();
+    const int text = qCeil(QFontMetricsF(font).horizontalAdvance(widest)) + 1;
+    setFixedColumn(column, qMax(width, text + around));
 }
 
 void TableView::setResizableColumn(int column, int minimum, int width)

@@ -19,6 +19,8 @@ public:
 
     /// Gives a column its width. All widths are at least what the column's title needs.
     void setFixedColumn(int column, int width);
+    /// The same, or more where the user's font needs it for the widest text of the column.
+    void setFixedColumn(int column, int width, const QString &widest, const QFont &font);
     /// The same for a column that the user may resize, down to `minimum`.
     void setResizableColumn(int column, int minimum, int width);
     /// Lets one column take the width that the others leave, but no less than `minimum`.

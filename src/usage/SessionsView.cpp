@@ -3,10 +3,10 @@
 
 #include "model/Format.h"
 #include "model/Store.h"
+#include "ui/BusyPage.h"
 #include "ui/EmptyState.h"
 #include "ui/Icons.h"
 #include "ui/Separator.h"
-#include "ui/Spinner.h"
 #include "ui/TableView.h"
 #include "ui/TextLabel.h"
 #include "usage/PriceEditor.h"
@@ -97,7 +97,7 @@ QWidget *SessionsView::buildBody()
     m_table = new TableView(this);
     m_table->setModel(m_model);
     setUpTable(m_table);
-    m_busyPage = buildBusyPage();
+    m_busyPage = new BusyPage(QStringLiteral("Reading sessions\u2026"), this);
     m_emptyPage = new EmptyState(QStringLiteral("tray"), QStringLiteral("No sessions found"),
                                  emptyMessage(), this);
     m_body = new QStackedWidget(this);
@@ -105,19 +105,6 @@ QWidget *SessionsView::buildBody()
          {m_busyPage, static_cast<QWidget *>(m_emptyPage), static_cast<QWidget *>(m_table)})
         m_body->addWidget(page);
     return m_body;
-}
-
-QWidget *SessionsView::buildBusyPage()
-{
-    auto *page = new QWidget(this);
-    auto *layout = new QVBoxLayout(page);
-    layout->addStretch();
-    layout->addWidget(new Spinner(page), 0, Qt::AlignHCenter);
-    layout->addWidget(new TextLabel(QStringLiteral("Reading sessions\u2026"),
-                                    {.tone = TextLabel::Tone::Secondary}, page),
-                      0, Qt::AlignHCenter);
-    layout->addStretch();
-    return page;
 }
 
 void SessionsView::connectSignals()

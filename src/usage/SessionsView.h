@@ -24,7 +24,6 @@ public:
 private:
     QWidget *buildHeader();
     QWidget *buildBody();
-    QWidget *buildBusyPage();
     void connectSignals();
 
     /// Makes the table anew from the store's sessions and prices.

@@ -3,9 +3,9 @@
 
 #include "model/Format.h"
 #include "model/Store.h"
+#include "ui/BusyPage.h"
 #include "ui/EmptyState.h"
 #include "ui/SegmentedSwitch.h"
-#include "ui/Spinner.h"
 #include "ui/TextLabel.h"
 #include "usage/BarChart.h"
 
@@ -87,9 +87,7 @@ UsageView::UsageView(const Project &project, Store &store, const Clock &clock, Q
     , m_job(this)
     , m_dayWatch(clock)
 {
-    m_waiting = new QWidget(this);
-    auto *middle = new QVBoxLayout(m_waiting);
-    middle->addWidget(new Spinner(m_waiting), 0, Qt::AlignCenter);
+    m_waiting = new BusyPage({}, this);
     m_empty = new EmptyState(
         QStringLiteral("chart.bar.xaxis"), QStringLiteral("No usage in the last 30 days"),
         QStringLiteral("Token usage from Claude Code sessions will be charted here."), this);

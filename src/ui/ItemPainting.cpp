@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/ItemPainting.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QStyle>
+
+void paintItemGround(QPainter *painter, const QStyleOptionViewItem &item)
+{
+    QStyleOptionViewItem ground = item;
+    ground.text.clear();
+    ground.icon = {};
+    const QStyle *style = item.widget ? item.widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &ground, painter, item.widget);
+}
+
+void paintItemLine(QPainter *painter, const QStyleOptionViewItem &item, const QRect &place,
+                   const QFont &font, const QString &text, Qt::TextElideMode elide)
+{
+    painter->setFont(font);
+    painter->drawText(QStyle::visualRect(item.direction, item.rect, place),
+                      int(Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine),
+                      QFontMetrics(font).elidedText(text, elide, place.width()));
+}
