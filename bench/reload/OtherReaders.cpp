@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <fcntl.h>
 #include <thread>
 
 namespace {
@@ -188,7 +189,7 @@ std::uint64_t readPlainly(const std::vector<fs::path> &logs)
         const auto buffer = std::make_unique<char[]>(plainChunk);
         std::uint64_t bytes = 0;
         while (const fs::path *log = nextLog()) {
-            const FileDescriptor file = openRegularFile(log->c_str());
+            const FileDescriptor file(::open(log->c_str(), O_RDONLY | O_CLOEXEC));
             for (qint64 count = 1; count > 0; bytes += static_cast<std::uint64_t>(count))
                 count = std::max<qint64>(0, readSome(file, buffer.get(), plainChunk));
         }

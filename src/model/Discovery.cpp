@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "model/Discovery.h"
 
+#include "model/Files.h"
+#include "model/Parallel.h"
 #include "model/SessionParser.h"
 
 #include <QDir>
@@ -8,32 +10,36 @@
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
+#include <dirent.h>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string_view>
 
 namespace {
 
-namespace fs = std::filesystem;
-
 using ProjectMap = QHash<QString, Project>;
 
-fs::path toFsPath(const QString &path)
+/// The names of what a folder holds and `wanted(entry)` accepts, sorted, so that the same disk
+/// gives the same result on every run. (Without std::filesystem, whose paths take longer to make
+/// than small logs to read.)
+template <typename Wanted>
+std::vector<std::string> namesIn(const std::string &folder, Wanted wanted)
 {
-    return path.toStdString();
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR *)> open(::opendir(folder.c_str()), ::closedir);
+    while (const dirent *entry = open ? ::readdir(open.get()) : nullptr) {
+        if (wanted(*entry))
+            names.emplace_back(entry->d_name);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
-QString toQString(const fs::path &path)
+bool isLogName(std::string_view name)
 {
-    return QString::fromStdString(path.string());
-}
-
-/// What a folder holds, by name, so that the same disk gives the same result on every run.
-std::vector<fs::path> entriesOf(const fs::path &folder)
-{
-    std::vector<fs::path> entries;
-    std::error_code error;
-    for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error))
-        entries.push_back(it->path());
-    std::sort(entries.begin(), entries.end());
-    return entries;
+    constexpr std::string_view suffix = ".jsonl";
+    return name.size() > suffix.size() && name.ends_with(suffix);
 }
 
 qsizetype firstCharacterLength(QStringView text)
@@ -49,25 +55,39 @@ QString decodedPath(const QString &folderName)
     return u'/' + rest.replace(u'-', u'/');
 }
 
-QString projectPathOf(const fs::path &logFolder, const std::stop_token &stop)
+QString projectPathOf(const std::string &logFolder, const QString &name,
+                      const std::stop_token &stop)
 {
-    for (const fs::path &log : Discovery::logsIn(logFolder)) {
+    for (const std::string &log : Discovery::logsIn(logFolder)) {
         if (stop.stop_requested())
             break;
         if (const auto folder = SessionParser::cwd(log))
             return *folder;
     }
-    return decodedPath(toQString(logFolder.filename()));
+    return decodedPath(name);
 }
 
 void insertDiscovered(ProjectMap &projects, const QString &root, const std::stop_token &stop)
 {
-    for (const fs::path &entry : entriesOf(toFsPath(root))) {
-        std::error_code error;
-        if (stop.stop_requested() || !fs::is_directory(entry, error))
-            continue;
-        const QString path = projectPathOf(entry, stop);
-        projects.insert(path, Project{path, toQString(entry), false});
+    const std::string parent = root.toStdString() + '/';
+    const std::vector<std::string> names = namesIn(parent, [](const dirent &entry) {
+        const std::string_view name(entry.d_name);
+        return name != "." && name != "..";
+    });
+    std::vector<std::optional<Project>> found(names.size());
+    onAllCores(names.size(), stop, [&] {
+        return [&](size_t i) {
+            std::error_code error;
+            if (!std::filesystem::is_directory(parent + names[i], error))
+                return;
+            const QString name = QString::fromStdString(names[i]);
+            found[i] = Project{projectPathOf(parent + names[i], name, stop),
+                               QString(root + u'/' + name), false};
+        };
+    });
+    for (const std::optional<Project> &project : found) {
+        if (project)
+            projects.insert(project->path, *project);
     }
 }
 
@@ -79,7 +99,7 @@ void insertAdded(ProjectMap &projects, const QStringList &added, const QString &
         project.added = true;
         const QString logs = root + u'/' + Discovery::encodeClaudeDir(path);
         std::error_code error;
-        if (!project.claudeDir && fs::exists(toFsPath(logs), error))
+        if (!project.claudeDir && std::filesystem::exists(logs.toStdString(), error))
             project.claudeDir = logs;
     }
 }
@@ -122,10 +142,19 @@ QString encodeClaudeDir(const QString &path)
     return name;
 }
 
-std::vector<fs::path> logsIn(const fs::path &folder)
+std::vector<std::string> logsIn(const std::string &folder)
 {
-    std::vector<fs::path> logs = entriesOf(folder);
-    std::erase_if(logs, [](const fs::path &path) { return path.extension() != ".jsonl"; });
+    const std::string inFolder = folder + '/';
+    std::vector<std::string> logs = namesIn(inFolder, [&](const dirent &entry) {
+        if (!isLogName(entry.d_name))
+            return false;
+        // Not every file system tells the type while listing.
+        const bool askFurther = entry.d_type == DT_LNK || entry.d_type == DT_UNKNOWN;
+        return askFurther ? isRegularFile((inFolder + entry.d_name).c_str())
+                          : entry.d_type == DT_REG;
+    });
+    for (std::string &log : logs)
+        log.insert(0, inFolder);
     return logs;
 }
 

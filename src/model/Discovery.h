@@ -6,8 +6,8 @@
 #include <QList>
 #include <QStringList>
 
-#include <filesystem>
 #include <stop_token>
+#include <string>
 #include <vector>
 
 /// Finds the project folders: those for which Claude Code keeps logs, and those added by hand.
@@ -21,9 +21,9 @@ const QString &claudeProjectsRoot();
 /// user perceives characters) that is no letter or digit replaced by "-".
 QString encodeClaudeDir(const QString &path);
 
-/// The session logs (*.jsonl) in a folder, by name; none when it cannot be listed. Whether they are
-/// files shows when they are read.
-std::vector<std::filesystem::path> logsIn(const std::filesystem::path &folder);
+/// The paths of the session logs in a folder, by name: of its regular files *.jsonl, and of links
+/// to such files. None when it cannot be listed.
+std::vector<std::string> logsIn(const std::string &folder);
 
 /// Every project once, by name. Reads no more of the logs than it takes to learn their folder.
 /// When two log folders belong to one project, the one whose name sorts last wins.

@@ -51,13 +51,27 @@ bool isRegular(const FileDescriptor &file)
 
 FileDescriptor openRegularFile(const char *path)
 {
-    // Looked at before it is opened, since opening some devices already does something; and again
-    // afterwards, since another file may stand there by now. O_NONBLOCK covers the time between.
-    struct stat info = {};
-    if (::stat(path, &info) != 0 || !S_ISREG(info.st_mode))
-        return FileDescriptor();
+    // Looked at before it is opened, since opening some devices already does something.
+    return isRegularFile(path) ? openSeenFile(path) : FileDescriptor();
+}
+
+FileDescriptor openSeenFile(const char *path)
+{
+    // Another file may stand there by now. O_NONBLOCK covers the time between.
     FileDescriptor file(::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     return isRegular(file) ? std::move(file) : FileDescriptor();
+}
+
+bool isRegularFile(const char *path)
+{
+    struct stat info = {};
+    return ::stat(path, &info) == 0 && S_ISREG(info.st_mode);
+}
+
+qint64 sizeOf(const FileDescriptor &file)
+{
+    struct stat info = {};
+    return ::fstat(file.get(), &info) == 0 ? info.st_size : 0;
 }
 
 qint64 readSome(const FileDescriptor &file, char *to, qint64 most)

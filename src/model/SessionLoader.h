@@ -15,9 +15,10 @@ struct LoadedProjects {
     SessionMap sessions;     ///< an entry for every project
 };
 
-/// Reads everything from disk: finds the projects, then reads the logs of all of them on all
-/// cores, the largest first. The result does not depend on how the work was spread. For a
-/// background task; after `stop` is requested it returns soon, with an incomplete result.
+/// Reads everything from disk: finds the projects, then reads the logs of all of them on all cores,
+/// the large ones last, each on all cores together. The result does not depend on how the work was
+/// spread. For a background task; after `stop` is requested it returns soon, with an incomplete
+/// result.
 namespace SessionLoader {
 
 LoadedProjects load(const QStringList &added, const QString &claudeProjectsRoot,

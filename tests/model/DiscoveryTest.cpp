@@ -35,6 +35,7 @@ private Q_SLOTS:
     void encodesAPath_data();
     void encodesAPath();
     void logsAreTheFilesWithThatExtension();
+    void logsAreRegularFilesAndLinksToThem();
 
     void nothingThereYieldsNoProjects();
     void rootThatIsNoFolderYieldsOnlyTheAdded();
@@ -135,11 +136,23 @@ void DiscoveryTest::logsAreTheFilesWithThatExtension()
         writeFile(m_home->path(u"logs/"_qs + name), "");
     QStringList names;
     for (const auto &log : Discovery::logsIn(m_home->path(u"logs"_qs).toStdString()))
-        names.append(QString::fromStdString(log.filename().string()));
+        names.append(QString::fromStdString(log).section(u'/', -1));
     QCOMPARE(names, QStringList({u".hidden.jsonl"_qs, u"B.jsonl"_qs, u"a.jsonl"_qs, u"b.jsonl"_qs,
                                  u"x.y.jsonl"_qs}));
     QVERIFY(Discovery::logsIn(m_home->path(u"missing"_qs).toStdString()).empty());
     QVERIFY(Discovery::logsIn(m_home->path(u"logs/b.jsonl"_qs).toStdString()).empty());
+}
+
+void DiscoveryTest::logsAreRegularFilesAndLinksToThem()
+{
+    const QString folder = m_home->path(u"logs"_qs);
+    writeFile(folder + u"/file.jsonl"_qs, "");
+    QVERIFY(QFile::link(u"file.jsonl"_qs, folder + u"/link.jsonl"_qs));
+    makeSpecialFiles(folder, u".jsonl"_qs);
+    const std::string path = folder.toStdString();
+    QCOMPARE(Discovery::logsIn(path),
+             (std::vector<std::string>{path + "/failing.jsonl", path + "/file.jsonl",
+                                       path + "/link.jsonl"}));
 }
 
 // Log folders ------------------------------------------------------------------------------------
