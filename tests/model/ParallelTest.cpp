@@ -10,6 +10,9 @@ private Q_SLOTS:
     void everyPlaceOnce();
     void eachCoreHasItsOwnWork();
     void nothingBeginsAfterTheStop();
+
+private:
+    std::stop_source m_stop;
 };
 
 void ParallelTest::everyPlaceOnce_data()
@@ -45,11 +48,10 @@ void ParallelTest::eachCoreHasItsOwnWork()
 
 void ParallelTest::nothingBeginsAfterTheStop()
 {
-    std::stop_source source;
     std::atomic<int> calls = 0;
-    onAllCores(1'000'000, source.get_token(), [&] {
+    onAllCores(1'000'000, m_stop.get_token(), [&] {
         return [&](size_t) {
-            source.request_stop();
+            m_stop.request_stop();
             ++calls;
         };
     });
