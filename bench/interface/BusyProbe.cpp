@@ -73,6 +73,16 @@ std::vector<Stretch> stop()
     return std::exchange(recorder.stretches, {});
 }
 
+Stretch longest(const std::vector<Stretch> &stretches)
+{
+    Stretch longest;
+    for (const Stretch &stretch : stretches) {
+        longest.wall = std::max(longest.wall, stretch.wall);
+        longest.cpu = std::max(longest.cpu, stretch.cpu);
+    }
+    return longest;
+}
+
 bool works()
 {
     constexpr double busy = 0.03;

@@ -26,6 +26,9 @@ void start();
 /// Ends recording. The stretch that is under way is the last one.
 std::vector<Stretch> stop();
 
+/// The longest time of all by each clock, which need not be the same stretch.
+Stretch longest(const std::vector<Stretch> &stretches);
+
 /// Whether the probe sees a timer that is busy for a known time. Needs an application object.
 bool works();
 

@@ -4,87 +4,51 @@
 // the click the list is shown, compared with `git status` itself, and how long the interface thread
 // is away from its event loop meanwhile.
 
-#include "app/ContentView.h"
 #include "app/Environment.h"
-#include "interface/BusyProbe.h"
-#include "interface/RunUntil.h"
-#include "model/Store.h"
-#include "review/RunProcess.h"
-#include "support/Figures.h"
+#include "interface/OpenWindow.h"
+#include "review/ScratchRepository.h"
 #include "support/ScratchHome.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QListView>
-#include <QTabWidget>
-#include <QTimer>
 #include <QToolButton>
 
-#include <algorithm>
 #include <cstdio>
 #include <memory>
 
 namespace {
 
 constexpr double mostTimesStatus = 1.3;
-constexpr double mostMilliseconds = 16;
-constexpr int reviewTab = 2;
 
-bool git(const QString &folder, const QStringList &arguments)
-{
-    const ShellResult result =
-        runProcess(QStringLiteral("/usr/bin/git"),
-                   QStringList{QStringLiteral("-C"), folder, QStringLiteral("-c"),
-                               QStringLiteral("user.name=Bench"), QStringLiteral("-c"),
-                               QStringLiteral("user.email=bench@localhost")} +
-                       arguments);
-    if (result.status != 0)
-        std::fprintf(stderr, "%s\n", qPrintable(result.err));
-    return result.status == 0;
-}
-
-bool write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-bool writeFiles(const QString &folder, int begin, int end, const QByteArray &bytes)
+bool writeFiles(const ScratchRepository &repository, int begin, int end, const QByteArray &bytes)
 {
     constexpr int filesPerFolder = 500;
     for (int i = begin; i < end; ++i) {
-        const QString place =
-            folder +
-            QStringLiteral("/src/part-%1").arg(i / filesPerFolder, 4, 10, QLatin1Char('0'));
-        if (!QDir().mkpath(place) ||
-            !write(place + QStringLiteral("/component-%1.cpp").arg(i), bytes))
+        const QString name = QStringLiteral("src/part-%1/component-%2.cpp")
+                                 .arg(i / filesPerFolder, 4, 10, QLatin1Char('0'))
+                                 .arg(i);
+        if (!repository.write(name, bytes))
             return false;
     }
     return true;
 }
 
 /// Half of the files are modified, the others untracked.
-bool makeRepository(const QString &folder, int files)
+bool makeRepository(const ScratchRepository &repository, int files)
 {
-    return QDir().mkpath(folder) && git(folder, {QStringLiteral("init"), QStringLiteral("-q")}) &&
-           writeFiles(folder, 0, files / 2, "one\n") &&
-           git(folder, {QStringLiteral("add"), QStringLiteral(".")}) &&
-           git(folder, {QStringLiteral("commit"), QStringLiteral("-q"), QStringLiteral("-m"),
-                        QStringLiteral("first")}) &&
-           writeFiles(folder, 0, files / 2, "another\n") &&
-           writeFiles(folder, files / 2, files, "new\n");
+    return repository.create() && writeFiles(repository, 0, files / 2, "one\n") &&
+           repository.commitAll() && writeFiles(repository, 0, files / 2, "another\n") &&
+           writeFiles(repository, files / 2, files, "new\n");
 }
 
-double statusSeconds(const QString &folder)
+double statusSeconds(const ScratchRepository &repository)
 {
-    return elapsed([&folder] {
-               (void)runProcess(QStringLiteral("/usr/bin/git"),
-                                {QStringLiteral("-C"), folder, QStringLiteral("status"),
-                                 QStringLiteral("--porcelain=v1"), QStringLiteral("-z"),
-                                 QStringLiteral("-uall")});
+    return elapsed([&repository] {
+               repository.git({QStringLiteral("status"), QStringLiteral("--porcelain=v1"),
+                               QStringLiteral("-z"), QStringLiteral("-uall")});
            })
         .wall;
 }
@@ -121,32 +85,23 @@ private:
 struct Times {
     Series shown;
     Series ratioTo; ///< `git status` in the same rounds
-    Series wall;
-    Series cpu;
+    std::vector<BusyProbe::Stretch> longest;
 };
 
 /// Does something to the list of files and waits until it has painted so many.
 template <typename Act>
-void measure(Times &times, QWidget &window, const QString &folder, int rows, Act act)
+void measure(Times &times, OpenWindow &open, const ScratchRepository &repository, int rows, Act act)
 {
-    times.ratioTo.push_back(statusSeconds(folder));
-    BusyProbe::start();
+    times.ratioTo.push_back(statusSeconds(repository));
     std::unique_ptr<PaintWatch> watch;
-    // From the event loop, as everything is that a user does.
-    QTimer::singleShot(0, &window, [&] {
-        act();
-        watch = std::make_unique<PaintWatch>(
-            window.findChild<QListView *>(QStringLiteral("changes")), rows);
-    });
-    runUntil([&watch] { return watch && watch->seconds() > 0; });
-    BusyProbe::Stretch longest;
-    for (const BusyProbe::Stretch &stretch : BusyProbe::stop()) {
-        longest.wall = std::max(longest.wall, stretch.wall);
-        longest.cpu = std::max(longest.cpu, stretch.cpu);
-    }
+    times.longest.push_back(longestBusy(
+        [&] {
+            act();
+            watch = std::make_unique<PaintWatch>(
+                open.window().findChild<QListView *>(QStringLiteral("changes")), rows);
+        },
+        [&watch] { return watch && watch->seconds() > 0; }));
     times.shown.push_back(watch->seconds());
-    times.wall.push_back(longest.wall * 1000);
-    times.cpu.push_back(longest.cpu * 1000);
 }
 
 void addFigures(Report &report, const QString &what, const Times &times)
@@ -158,14 +113,7 @@ void addFigures(Report &report, const QString &what, const Times &times)
                 .usual = median(times.shown) * 1000});
     report.add(ratio(what + QStringLiteral(": list shown"), times.shown,
                      QStringLiteral("git status"), times.ratioTo, mostTimesStatus));
-    for (const auto &[clock, series] : {std::pair{QStringLiteral("wall"), times.wall},
-                                        std::pair{QStringLiteral("CPU"), times.cpu}})
-        report.add({.what = QStringLiteral("%1: longest busy, %2").arg(what, clock),
-                    .comparedWith = {},
-                    .unit = QStringLiteral("ms"),
-                    .best = least(series),
-                    .usual = median(series),
-                    .target = mostMilliseconds});
+    addLongestBusy(report, what, times.longest);
 }
 
 struct AllTimes {
@@ -175,30 +123,22 @@ struct AllTimes {
     Times moved;
 };
 
-void measureRound(AllTimes &times, const ScratchHome &home, const QString &folder, int files)
+void measureRound(AllTimes &times, const ScratchHome &home, const ScratchRepository &repository,
+                  int files)
 {
-    Store store(home.claudeProjects());
-    ContentView window(store);
-    bool loaded = false;
-    QObject::connect(&store, &Store::reloadFinished, &window, [&loaded] { loaded = true; });
-    window.resize(1000, 640);
-    window.show();
-    runUntil([&loaded] { return loaded; });
-    measure(times.open, window, folder, files,
-            [&window] { window.findChild<QTabWidget *>()->setCurrentIndex(reviewTab); });
-    const auto refresh = [&window] {
-        window.findChild<QToolButton *>(QStringLiteral("refresh"))->click();
-    };
-    const QString restored = folder + QStringLiteral("/src/part-0000/component-0.cpp");
-    write(restored, "one\n");
-    measure(times.fewer, window, folder, files - 1, refresh);
-    write(restored, "another\n");
-    measure(times.more, window, folder, files, refresh);
+    OpenWindow open(home.claudeProjects());
+    measure(times.open, open, repository, files, [&open] { open.show(Tab::Review); });
+    const auto refresh = [&open] { open.shown<QToolButton>(QStringLiteral("refresh"))->click(); };
+    const QString restored = QStringLiteral("src/part-0000/component-0.cpp");
+    repository.write(restored, "one\n");
+    measure(times.fewer, open, repository, files - 1, refresh);
+    repository.write(restored, "another\n");
+    measure(times.more, open, repository, files, refresh);
     // The last untracked file becomes a tracked one and moves up the list.
     const QString staged = QStringLiteral("*/component-%1.cpp").arg(files - 1);
-    git(folder, {QStringLiteral("add"), QStringLiteral("--"), staged});
-    measure(times.moved, window, folder, files, refresh);
-    git(folder, {QStringLiteral("reset"), QStringLiteral("-q"), QStringLiteral("--"), staged});
+    repository.git({QStringLiteral("add"), QStringLiteral("--"), staged});
+    measure(times.moved, open, repository, files, refresh);
+    repository.git({QStringLiteral("reset"), QStringLiteral("-q"), QStringLiteral("--"), staged});
 }
 
 } // namespace
@@ -226,16 +166,16 @@ int main(int argc, char **argv)
         return 1;
     }
     const int files = parser.value(QStringLiteral("files")).toInt();
-    const QString folder = QDir::homePath() + QStringLiteral("/project");
-    if (!makeRepository(folder, files)) {
+    const ScratchRepository repository(QDir::homePath() + QStringLiteral("/project"));
+    if (!makeRepository(repository, files)) {
         std::fprintf(stderr, "the repository could not be made\n");
         return 1;
     }
-    Store(home.claudeProjects()).addProject(folder);
-    statusSeconds(folder); // so that the cache is warm
+    Store(home.claudeProjects()).addProject(repository.folder());
+    statusSeconds(repository); // so that the cache is warm
     AllTimes times;
     for (int round = 0; round < parser.value(QStringLiteral("rounds")).toInt(); ++round)
-        measureRound(times, home, folder, files);
+        measureRound(times, home, repository, files);
     Report report(QStringLiteral("Review tab with %1 changed files, %2")
                       .arg(files)
                       .arg(QGuiApplication::platformName()));

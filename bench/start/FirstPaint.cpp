@@ -9,7 +9,7 @@
 
 bool FirstPaintApplication::notify(QObject *receiver, QEvent *event)
 {
-    m_painted = m_painted || event->type() == QEvent::Paint;
+    m_painted = m_painted || (event->type() == QEvent::Paint && m_condition());
     ++m_depth;
     const bool result = QApplication::notify(receiver, event);
     --m_depth;

@@ -22,7 +22,7 @@ QString number(double value)
 
 QString row(const Figure &figure)
 {
-    QString text = cell(figure.what, 44) + number(figure.best) + number(figure.usual) +
+    QString text = cell(figure.what, 50) + number(figure.best) + number(figure.usual) +
                    QStringLiteral("  ") + cell(figure.unit, 5) + cell(figure.comparedWith, 30);
     if (figure.target) {
         text +=
@@ -93,7 +93,7 @@ Figure ratio(const QString &what, const Series &of, const QString &comparedWith,
 
 void Report::printTable(const std::vector<Report> &reports)
 {
-    QString text = QLatin1Char('\n') + cell(QStringLiteral("what"), 44) +
+    QString text = QLatin1Char('\n') + cell(QStringLiteral("what"), 50) +
                    QStringLiteral("     best   median  ") + cell(QStringLiteral("unit"), 5) +
                    cell(QStringLiteral("compared with"), 30) + QStringLiteral("target\n");
     for (const Report &report : reports) {

@@ -4,78 +4,21 @@
 // from its event loop when the tab is opened, when its scope is changed and when prices change, and
 // how long the figures take.
 
-#include "app/ContentView.h"
-#include "interface/BusyProbe.h"
-#include "interface/RunUntil.h"
-#include "model/Store.h"
-#include "support/Figures.h"
+#include "interface/OpenWindow.h"
 #include "support/ScratchHome.h"
+#include "support/UsageLogs.h"
 #include "ui/SegmentedSwitch.h"
 #include "usage/BarChart.h"
 #include "usage/Usage.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QDateTime>
-#include <QDir>
-#include <QFile>
-#include <QTabWidget>
-#include <QTimer>
 
-#include <algorithm>
-#include <array>
 #include <cstdio>
 
 namespace {
 
 constexpr double mostMilliseconds = 50;
-constexpr int usageTab = 3;
-
-const std::array<const char *, 3> models{"claude-opus-4-1", "claude-sonnet-4", "claude-haiku-4"};
-
-/// One session per project, with its records spread over the last 35 days.
-bool writeLog(const QString &folder, const QString &project, int records, int number)
-{
-    if (!QDir().mkpath(folder))
-        return false;
-    QFile file(folder + QStringLiteral("/session.jsonl"));
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    const QDateTime begin = QDateTime::currentDateTimeUtc().addDays(-35);
-    const qint64 step = 35LL * 24 * 3600 * 1000 / records;
-    QByteArray bytes = "{\"type\":\"user\",\"cwd\":\"" + project.toUtf8() + "\"}\n";
-    for (int i = 0; i < records; ++i) {
-        const QByteArray time = begin.addMSecs(i * step).toString(Qt::ISODateWithMs).toLatin1();
-        bytes += "{\"type\":\"assistant\",\"timestamp\":\"" + time + "\",\"message\":{\"id\":\"" +
-                 QByteArray::number(i) + "\",\"model\":\"" +
-                 models[size_t(number + i) % models.size()] +
-                 "\",\"usage\":{\"input_tokens\":" + QByteArray::number(i % 97) +
-                 ",\"output_tokens\":" + QByteArray::number(i % 1009) +
-                 ",\"cache_read_input_tokens\":" + QByteArray::number(i % 50'021) + "}}}\n";
-    }
-    return file.write(bytes) == bytes.size();
-}
-
-bool writeLogs(const ScratchHome &home, int projects, int records)
-{
-    for (int i = 0; i < projects; ++i) {
-        const QString name = QStringLiteral("project-%1").arg(i, 3, 10, QLatin1Char('0'));
-        if (!writeLog(home.claudeProjects() + QStringLiteral("/-code-") + name,
-                      QStringLiteral("/code/") + name, records / projects, i))
-            return false;
-    }
-    return true;
-}
-
-template <typename Widget>
-Widget *shown(const QWidget &window, const QString &name)
-{
-    for (auto *widget : window.findChildren<Widget *>(name)) {
-        if (widget->isVisible())
-            return widget;
-    }
-    return nullptr;
-}
 
 double sumOf(const BarChart *chart)
 {
@@ -86,26 +29,10 @@ double sumOf(const BarChart *chart)
 }
 
 /// What the chart of the days shows; nothing before it is there.
-double shownSum(const QWidget &window, const QString &chart)
+double shownSum(const OpenWindow &open, const QString &chart)
 {
-    const auto *found = shown<BarChart>(window, chart);
+    const auto *found = open.shown<BarChart>(chart);
     return found ? sumOf(found) : 0;
-}
-
-/// The longest stretch, by either clock, that something kept the interface thread busy.
-template <typename Act, typename Condition>
-BusyProbe::Stretch longestOf(Act act, Condition done)
-{
-    BusyProbe::start();
-    // From the event loop, as everything is that a user does.
-    QTimer::singleShot(0, qApp, act);
-    runUntil(done);
-    BusyProbe::Stretch longest;
-    for (const BusyProbe::Stretch &stretch : BusyProbe::stop()) {
-        longest.wall = std::max(longest.wall, stretch.wall);
-        longest.cpu = std::max(longest.cpu, stretch.cpu);
-    }
-    return longest;
 }
 
 using Stretches = std::vector<BusyProbe::Stretch>;
@@ -116,43 +43,25 @@ struct Times {
     Stretches prices;
 };
 
-void measureRound(Times &times, Store &store, ContentView &window, int project)
+void measureRound(Times &times, OpenWindow &open, int project)
 {
+    Store &store = open.store();
     store.setSelection(store.projects()[project].path);
     runUntil([] { return true; });
     const QString tokens = QStringLiteral("dayTokens");
     const QString cost = QStringLiteral("dayCost");
     times.open.push_back(
-        longestOf([&] { shown<QTabWidget>(window, {})->setCurrentIndex(usageTab); },
-                  [&] { return shownSum(window, tokens) > 0; }));
-    double before = shownSum(window, tokens);
-    times.scope.push_back(longestOf(
-        [&] { shown<SegmentedSwitch>(window, QStringLiteral("usageScope"))->setCurrent(0); },
-        [&] { return shownSum(window, tokens) > before; }));
-    before = shownSum(window, cost);
+        longestBusy([&] { open.show(Tab::Usage); }, [&] { return shownSum(open, tokens) > 0; }));
+    double before = shownSum(open, tokens);
+    times.scope.push_back(longestBusy(
+        [&] { open.shown<SegmentedSwitch>(QStringLiteral("usageScope"))->setCurrent(0); },
+        [&] { return shownSum(open, tokens) > before; }));
+    before = shownSum(open, cost);
     QList<PriceRow> prices = store.prices();
     for (PriceRow &row : prices)
         row.output *= 1.5;
-    times.prices.push_back(longestOf([&] { store.setPrices(prices); },
-                                     [&] { return shownSum(window, cost) > before; }));
-}
-
-void addLongest(Report &report, const QString &what, const Stretches &longest)
-{
-    Series wall;
-    Series cpu; // which other programs hardly disturb
-    for (const BusyProbe::Stretch &stretch : longest) {
-        wall.push_back(stretch.wall * 1000);
-        cpu.push_back(stretch.cpu * 1000);
-    }
-    for (const auto &[clock, milliseconds] :
-         {std::pair{QStringLiteral("wall"), wall}, std::pair{QStringLiteral("CPU"), cpu}})
-        report.add({.what = QStringLiteral("longest busy, %1, %2").arg(what, clock),
-                    .comparedWith = {},
-                    .unit = QStringLiteral("ms"),
-                    .best = least(milliseconds),
-                    .usual = median(milliseconds),
-                    .target = mostMilliseconds});
+    times.prices.push_back(longestBusy([&] { store.setPrices(prices); },
+                                       [&] { return shownSum(open, cost) > before; }));
 }
 
 void addFigures(Report &report, const Store &store, int rounds)
@@ -199,29 +108,22 @@ int main(int argc, char **argv)
     const int records = parser.value(QStringLiteral("records")).toInt();
     const int rounds = parser.value(QStringLiteral("rounds")).toInt();
     if (rounds < 1 || projects < rounds || records < projects ||
-        !writeLogs(home, projects, records)) {
+        !UsageLogs{projects, 1, records / projects}.write(home.claudeProjects())) {
         std::fprintf(stderr, "the logs could not be made\n");
         return 1;
     }
-    Store store(home.claudeProjects());
-    ContentView window(store);
-    bool loaded = false;
-    QObject::connect(&store, &Store::reloadFinished, &window, [&loaded] { loaded = true; });
-    window.resize(1000, 640);
-    window.show(); // which starts the first reload
-    runUntil([&loaded] { return loaded; });
-
+    OpenWindow open(home.claudeProjects());
     Times times;
     for (int round = 0; round < rounds; ++round)
-        measureRound(times, store, window, round);
+        measureRound(times, open, round);
     Report report(QStringLiteral("Usage tab with %1 records in %2 projects, %3")
                       .arg(records)
                       .arg(projects)
                       .arg(QGuiApplication::platformName()));
-    addLongest(report, QStringLiteral("opening the tab"), times.open);
-    addLongest(report, QStringLiteral("changing the scope"), times.scope);
-    addLongest(report, QStringLiteral("changing prices"), times.prices);
-    addFigures(report, store, rounds);
+    addLongestBusy(report, QStringLiteral("opening the tab"), times.open, mostMilliseconds);
+    addLongestBusy(report, QStringLiteral("changing the scope"), times.scope, mostMilliseconds);
+    addLongestBusy(report, QStringLiteral("changing prices"), times.prices, mostMilliseconds);
+    addFigures(report, open.store(), rounds);
     report.print();
     return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
 }
