@@ -5,6 +5,7 @@
 #include "app/Sidebar.h"
 #include "model/Store.h"
 #include "ui/EmptyState.h"
+#include "ui/ForeignText.h"
 #include "ui/PaneSplitter.h"
 
 #include <QApplication>
@@ -118,7 +119,7 @@ void ContentView::updateDetail()
 void ContentView::updateTitle()
 {
     const std::optional<Project> selected = m_store.selected();
-    QString title = selected ? selected->name() : QStringLiteral("Plinthar");
+    QString title = selected ? ForeignText::title(selected->name()) : QStringLiteral("Plinthar");
     // Qt would take this for its mark of a changed document.
     title.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
     setWindowTitle(title);

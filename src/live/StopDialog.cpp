@@ -3,6 +3,7 @@
 
 #include "ui/EmphasisButton.h"
 #include "ui/Fonts.h"
+#include "ui/ForeignText.h"
 
 #include <QLabel>
 
@@ -20,8 +21,8 @@ StopDialog::StopDialog(const AgentProcess &agent, QWidget *parent) : QMessageBox
     const QString title = QStringLiteral("Stop %1?").arg(agent.agent);
     setWindowTitle(title);
     setText(title);
-    setInformativeText(
-        QStringLiteral("%1 in %2 will be asked to terminate.").arg(agent.agent, agent.folder));
+    setInformativeText(QStringLiteral("%1 in %2 will be asked to terminate.")
+                           .arg(agent.agent, ForeignText::breakable(agent.folder)));
     setUpLabels(title);
 
     auto *stop = new EmphasisButton(EmphasisButton::Emphasis::Destructive,

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "review/ChangeListModel.h"
 
-#include "review/TextCells.h"
+#include "model/TextCells.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 #include "review/DiffPane.h"
 
 #include "review/DiffView.h"
-#include "review/TextCells.h"
+#include "model/TextCells.h"
 #include "ui/BusySign.h"
 #include "ui/EmphasisButton.h"
 #include "ui/EmptyState.h"

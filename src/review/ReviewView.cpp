@@ -8,9 +8,9 @@
 #include "review/DiffView.h"
 #include "review/GitActions.h"
 #include "review/TerminalText.h"
-#include "review/TextCells.h"
 #include "ui/EmphasisButton.h"
 #include "ui/EmptyState.h"
+#include "ui/ForeignText.h"
 #include "ui/PaneSplitter.h"
 
 #include <QCoreApplication>
@@ -44,18 +44,6 @@ bool isForDiff(const QKeyEvent *event)
     }
 }
 
-/// A path that a label can break into lines, which it does at blanks only.
-QString breakable(QString path)
-{
-    constexpr QChar zeroWidthSpace(0x200b);
-    constexpr qsizetype widest = 48;
-    for (qsizetype at = path.size() / widest * widest; at > 0; at -= widest) {
-        if (!path[at - 1].isHighSurrogate())
-            path.insert(at, zeroWidthSpace);
-    }
-    return path;
-}
-
 QMessageBox *makeConfirmation(const GitFile &file, QWidget *parent)
 {
     auto *box = new QMessageBox(parent);
@@ -64,7 +52,7 @@ QMessageBox *makeConfirmation(const GitFile &file, QWidget *parent)
     box->setIcon(QMessageBox::Warning);
     box->setWindowTitle(QStringLiteral("Reject"));
     box->setTextFormat(Qt::PlainText);
-    box->setText(QStringLiteral("Reject changes to %1?").arg(breakable(visibleText(file.path))));
+    box->setText(QStringLiteral("Reject changes to %1?").arg(ForeignText::breakable(file.path)));
     box->setInformativeText(
         file.isUntracked()
             ? QStringLiteral("This untracked file will be deleted.")

@@ -2,6 +2,7 @@
 #include "ui/CellDelegate.h"
 
 #include "ui/Colors.h"
+#include "ui/ForeignText.h"
 #include "ui/ItemPainting.h"
 #include "ui/ToolTips.h"
 
@@ -55,8 +56,8 @@ bool CellDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
     if (event->type() != QEvent::ToolTip || index.data(Qt::ToolTipRole).isValid())
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     const QString text = index.data().toString();
-    const bool cut = view->fontMetrics().horizontalAdvance(text) >
-                     textPlace(option.rect, index.column()).width();
+    const int width = textPlace(option.rect, index.column()).width();
+    const bool cut = ForeignText::line(text, view->fontMetrics(), width) != text;
     QToolTip::showText(event->globalPos(), cut ? plainToolTip(text) : QString(), view);
     return true;
 }
@@ -65,5 +66,5 @@ void CellDelegate::paintText(QPainter *painter, const QRect &place, const QModel
 {
     const QString text = index.data().toString();
     painter->drawText(place, index.data(Qt::TextAlignmentRole).toInt() | int(Qt::TextSingleLine),
-                      painter->fontMetrics().elidedText(text, Qt::ElideRight, place.width()));
+                      ForeignText::line(text, painter->fontMetrics(), place.width()));
 }

@@ -3,6 +3,7 @@
 
 #include "ui/Colors.h"
 #include "ui/Fonts.h"
+#include "ui/ForeignText.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QEvent>
@@ -41,7 +42,8 @@ ErrorText::ErrorText(int mostLines, QWidget *parent)
 void ErrorText::setError(const QString &text)
 {
     const bool cut = text.size() > mostCharacters;
-    setPlainText(cut ? QChar(0x2026) + text.last(mostCharacters) : text);
+    setPlainText(ForeignText::lines(cut ? QChar(0x2026) + text.last(mostCharacters) : text,
+                                    mostCharacters + 1));
     setVisible(!text.isEmpty());
     fitHeight();
 }

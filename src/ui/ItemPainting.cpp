@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/ItemPainting.h"
 
+#include "ui/ForeignText.h"
+
 #include <QApplication>
 #include <QPainter>
 #include <QStyle>
@@ -20,5 +22,5 @@ void paintItemLine(QPainter *painter, const QStyleOptionViewItem &item, const QR
     painter->setFont(font);
     painter->drawText(QStyle::visualRect(item.direction, item.rect, place),
                       int(Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine),
-                      QFontMetrics(font).elidedText(text, elide, place.width()));
+                      ForeignText::line(text, QFontMetrics(font), place.width(), elide));
 }

@@ -2,6 +2,7 @@
 #include "ui/SegmentedSwitch.h"
 
 #include "ui/Colors.h"
+#include "ui/ForeignText.h"
 #include "ui/ToolTips.h"
 
 #include <QButtonGroup>
@@ -35,7 +36,8 @@ public:
     QSize sizeHint() const override
     {
         const QFontMetrics metrics = fontMetrics();
-        return {metrics.horizontalAdvance(m_label) + 2 * padding, metrics.height() + 8};
+        return {metrics.horizontalAdvance(ForeignText::title(m_label)) + 2 * padding,
+                metrics.height() + 8};
     }
     QSize minimumSizeHint() const override { return {2 * padding, sizeHint().height()}; }
 
@@ -76,7 +78,7 @@ protected:
 private:
     QString shown() const
     {
-        return fontMetrics().elidedText(m_label, Qt::ElideMiddle, width() - 2 * padding);
+        return ForeignText::line(m_label, fontMetrics(), width() - 2 * padding, Qt::ElideMiddle);
     }
 
     const QString m_label;

@@ -2,6 +2,7 @@
 #include "ui/TextLabel.h"
 
 #include "ui/Colors.h"
+#include "ui/ForeignText.h"
 #include "ui/ToolTips.h"
 
 #include <QHelpEvent>
@@ -10,6 +11,9 @@
 #include <QToolTip>
 
 namespace {
+
+/// No screen has room for a longer line, in pixels.
+constexpr int widestLine = 10'000;
 
 /// Lays the text out in lines of that width and gives the size they take.
 QSizeF layOut(QTextLayout &layout, int width, Qt::Alignment alignment)
@@ -58,7 +62,7 @@ QSize TextLabel::sizeHint() const
     if (wraps())
         return wrappedSize(maximumWidth());
     const QFontMetrics metrics(font());
-    return {metrics.horizontalAdvance(text()) + 1, metrics.height()};
+    return {metrics.horizontalAdvance(elided(widestLine)) + 1, metrics.height()};
 }
 
 QSize TextLabel::minimumSizeHint() const
@@ -94,7 +98,7 @@ void TextLabel::paintEvent(QPaintEvent *)
         painter.drawText(rect(), int(alignment() | Qt::TextSingleLine), elided(width()));
         return;
     }
-    QTextLayout layout(text(), font());
+    QTextLayout layout(broken(), font());
     layOut(layout, width(), alignment());
     layout.draw(&painter, QPointF(0, 0));
 }
@@ -117,12 +121,18 @@ QColor TextLabel::color() const
 QString TextLabel::elided(int width) const
 {
     const auto mode = m_style.overflow == Overflow::ElideHead ? Qt::ElideLeft : Qt::ElideRight;
-    return QFontMetrics(font()).elidedText(text(), mode, width);
+    return ForeignText::line(text(), QFontMetrics(font()), width, mode);
+}
+
+/// The text as QTextLayout breaks it into lines.
+QString TextLabel::broken() const
+{
+    return ForeignText::lines(text()).replace(u'\n', QChar::LineSeparator);
 }
 
 QSize TextLabel::wrappedSize(int width) const
 {
-    QTextLayout layout(text(), font());
+    QTextLayout layout(broken(), font());
     const QSizeF size = layOut(layout, width, alignment());
     return {qCeil(size.width()), qCeil(size.height())};
 }

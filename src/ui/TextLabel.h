@@ -37,6 +37,7 @@ protected:
 private:
     bool wraps() const { return m_style.overflow == Overflow::Wrap; }
     QColor color() const;
+    QString broken() const;
     QString elided(int width) const;
     QSize wrappedSize(int width) const;
 

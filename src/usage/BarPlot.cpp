@@ -2,6 +2,7 @@
 #include "usage/BarPlot.h"
 
 #include "ui/Fonts.h"
+#include "ui/ForeignText.h"
 #include "usage/FixedTicker.h"
 
 #include <algorithm>
@@ -175,7 +176,8 @@ void BarPlot::arrangeLying()
     const int roomOfNames = static_cast<int>(width() * shareOfNames);
     int widest = 0;
     for (const ChartContents::Label &label : m_contents.labels)
-        widest = std::max(widest, metrics.horizontalAdvance(label.text));
+        widest = std::max(
+            widest, metrics.horizontalAdvance(ForeignText::line(label.text, metrics, roomOfNames)));
     const int left = std::min(widest, roomOfNames) + labelDistance + 4;
     ValueScale scale;
     int widestValue = 0;
@@ -234,7 +236,7 @@ void BarPlot::shortenLabels(int room)
     m_placeTicks->ticks.clear();
     for (const ChartContents::Label &label : m_contents.labels)
         m_placeTicks->ticks.append(
-            {label.place, metrics.elidedText(label.text, Qt::ElideMiddle, room)});
+            {label.place, ForeignText::line(label.text, metrics, room, Qt::ElideMiddle)});
 }
 
 double BarPlot::band() const

@@ -3,6 +3,7 @@
 
 #include "model/Format.h"
 #include "model/Pricing.h"
+#include "model/TextCells.h"
 
 #include <numeric>
 
@@ -17,7 +18,8 @@ SessionRow makeRow(const Session &session, Pricer &pricer)
                    .start = session.start,
                    .duration = std::chrono::duration<double>(session.end - session.start).count(),
                    .firstPrompt = session.firstPrompt,
-                   .preview = beginningOf(session.firstPrompt, previewLength).simplified(),
+                   .preview =
+                       visibleText(beginningOf(session.firstPrompt, previewLength).simplified()),
                    .turns = session.turns,
                    .cache = session.cache()};
     for (const UsageRecord &record : session.records) {

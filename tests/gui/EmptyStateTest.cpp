@@ -147,7 +147,7 @@ private Q_SLOTS:
     void theLinesOfALongMessageAreCentred()
     {
         // A long line and a very short one, which stands in the middle of the label.
-        const QString message = u"word "_qs.repeated(12) + u"\u2028xx"_qs;
+        const QString message = u"word "_qs.repeated(12) + u"\nxx"_qs;
         Shown state(message.trimmed());
         QLabel *label = state.label(message.trimmed());
         const QRect lastLine(0, label->height() - label->fontMetrics().height(), label->width(),

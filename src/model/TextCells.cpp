@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "review/TextCells.h"
+#include "model/TextCells.h"
 
 #include <QTextBoundaryFinder>
 
