@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Runs scripts/run and scripts/test in a scratch checkout where every tool they call is a stub that
+# Runs the scripts in a scratch checkout where every tool that installs or builds is a stub that
 # writes down its arguments: nothing is installed and nothing is built.
 set -euo pipefail
 
@@ -22,7 +22,7 @@ set_up() {
     local tool
     rm -rf -- "${scratch:?}"/*
     mkdir "$scratch/bin" "$scratch/checkout" "$scratch/elsewhere"
-    cp -R -- "$source_root/scripts" "$scratch/checkout"
+    cp -R -- "$source_root/scripts" "$source_root/demo" "$scratch/checkout"
     for tool in bash comm dirname env mkdir realpath sed sort; do
         ln -s -- "$(command -v "$tool")" "$scratch/bin/$tool"
     done
@@ -38,10 +38,12 @@ set_up() {
             -S) mkdir -p "$2/build/$4" ;;
             --build)
                 mkdir -p "$2/bin"
-                printf "#!%s\necho the window\n" "$BASH" >"$2/bin/plinthar"
-                command -p chmod +x "$2/bin/plinthar" ;;
+                printf "#!%s\n%s\n" "$BASH" "$(<'"$scratch/program"')" >"$2/bin/${4:-plinthar}"
+                command -p chmod +x "$2/bin/${4:-plinthar}" ;;
             esac'
     }
+    echo 'echo the window' >"$scratch/program"
+    : >"$scratch/agents"
     printf '%s\n' alpha 'g++' gamma-dev >"$scratch/checkout/scripts/packages"
     printf 'installed %s\n' alpha 'g++' gamma-dev unlisted >"$scratch/installed"
 }
@@ -83,17 +85,6 @@ as_usual=' -DCMAKE_COMPILE_WARNING_AS_ERROR='
 built_dev='cmake --build checkout/build/dev
 ctest --preset dev'
 
-case_no_display_stops_run_at_once() {
-    rm "$scratch/installed"
-    call run
-    expect status "$status" 1
-    expect output "$out" ''
-    expect lines "$(wc -l <"$scratch/err")" 1
-    expect_part message "$err" DISPLAY
-    expect calls "$(<"$scratch/calls")" ''
-    expect 'build folder' "$(find "$scratch/checkout" -name build)" ''
-}
-
 case_run_builds_the_program_and_opens_it() {
     local display
     for display in DISPLAY=:0 WAYLAND_DISPLAY=wayland-0; do
@@ -105,6 +96,143 @@ case_run_builds_the_program_and_opens_it() {
             "cmake -S checkout --preset release$as_usual
 cmake --build checkout/build/release --target plinthar"
     done
+}
+
+case_run_knows_no_other_option() {
+    call DISPLAY=:0 run --dmeo
+    expect status "$status" 1
+    expect errors "$err" 'Usage: scripts/run [--demo]'
+    expect calls "$calls" ''
+}
+
+# A user with a home folder, for whom the demo's window notes down what it sees.
+set_up_demo() {
+    local tool
+    for tool in base64 cat cp git ln mkfifo mktemp ps rm sleep; do
+        ln -s -- "$(command -v "$tool")" "$scratch/bin/$tool"
+    done
+    mkdir "$scratch/tmp" "$scratch/user"
+    demo_home=$scratch/tmp/plinthar-demo/home
+    in_demo=(DISPLAY=:0 TMPDIR="$scratch/tmp" HOME="$scratch/user"
+        XDG_DATA_HOME="$scratch/user/data" GIT_CONFIG_GLOBAL="$scratch/user/gitconfig")
+    cat >"$scratch/program" <<END
+# The agents have their names a moment after they are started.
+for ((i = 0; i < 300; ++i)); do
+    mapfile -t agents < <(ps -axo pid=,command= |
+        sed -n '\\#$scratch#s!^ *\([0-9]*\) \([^ ]*\) .*/\(agent\|gemini\) [0-9]*\$!\1 \2!p')
+    ((\${#agents[@]} < 5)) || break
+    sleep 0.1
+done
+printf '%s\n' "\${agents[@]}" >$scratch/agents
+printf '%s\n' "\$HOME" "\$XAUTHORITY" "\$XDG_DATA_HOME" "\$XDG_CONFIG_HOME" \
+    "\$GIT_CONFIG_GLOBAL" >$scratch/environment
+printf '%s\n' "\$HOME"/.claude/projects/*/ >$scratch/projects
+git -C "\$HOME/code/anchorage" -c core.quotePath=false status --short >$scratch/status
+printf '%s\n' "\$*" >$scratch/arguments
+$1
+END
+}
+
+# Whether a process runs. One that has ended may still wait for a parent that asks how.
+runs() {
+    [[ $(ps -o stat= -p "$1") == [!Z]* ]]
+}
+
+# Nothing is left of the demo, and nothing has come to the user's folders.
+expect_demo_gone() {
+    local pid name
+    expect 'what is left in the temporary folder' "$(find "$scratch/tmp" -mindepth 1)" ''
+    expect "what is in the user's home" "$(find "$scratch/user" -mindepth 1)" ''
+    while read -r pid name; do
+        ! runs "$pid" || expect 'an agent that is still there' "$pid $name" ''
+    done <"$scratch/agents"
+}
+
+case_run_demo_shows_a_made_up_home() {
+    set_up_demo 'exit 7'
+    call "${in_demo[@]}" run --demo
+    expect status "$status" 7
+    expect errors "$err" ''
+    expect environment "$(<"$scratch/environment")" "$demo_home
+$scratch/user/.Xauthority
+$demo_home/.local/share
+$demo_home/.config
+$demo_home/.gitconfig"
+    expect 'projects with logs' "$(wc -l <"$scratch/projects")" 6
+    expect 'kinds of change' "$(cut -c 1-2 "$scratch/status" | sort -u | tr '\n' ,)" \
+        ' D, M,??,A ,M ,MM,R ,UU,'
+    expect agents "$(cut -d ' ' -f 2 "$scratch/agents" | sort | tr '\n' ' ')" \
+        'claude claude codex cursor-agent node '
+    expect_demo_gone
+}
+
+case_run_demo_gives_way_to_another_one() {
+    set_up_demo ''
+    mkdir "$scratch/tmp/plinthar-demo"
+    call "${in_demo[@]}" run --demo
+    expect status "$status" 0
+    expect_part home "$(<"$scratch/environment")" "$scratch/tmp/plinthar-demo."
+    rmdir "$scratch/tmp/plinthar-demo"
+    expect_demo_gone
+}
+
+case_run_demo_goes_when_it_is_told_to() {
+    # shellcheck disable=SC2016
+    set_up_demo 'kill $PPID; for ((i = 0; i < 600; ++i)); do sleep 0.1; done; echo not ended'
+    call "${in_demo[@]}" run --demo
+    expect status "$status" 143
+    expect output "$out" ''
+    expect_demo_gone
+}
+
+case_run_demo_leaves_no_agents_when_it_is_killed() {
+    local i pid name
+    # shellcheck disable=SC2016
+    set_up_demo 'kill -KILL $PPID'
+    call "${in_demo[@]}" run --demo 2>/dev/null # where bash says so
+    expect status "$status" 137
+    while read -r pid name; do
+        for ((i = 0; i < 300; ++i)); do
+            runs "$pid" || continue 2
+            sleep 0.1
+        done
+        expect 'an agent that is still there' "$pid $name" ''
+    done <"$scratch/agents"
+}
+
+case_run_takes_pictures_without_a_display() {
+    set_up_demo ''
+    call "${in_demo[@]}" DISPLAY= run
+    expect status "$status" 0
+    expect_part output "$out" 'No display'
+    expect_part output "$out" "The pictures are in $scratch/checkout/build/pictures"
+    expect_part calls "$calls" \
+        'cmake --build checkout/build/release --target plinthar_pictures'
+    expect arguments "$(<"$scratch/arguments")" "$scratch/checkout/build/pictures"
+    expect_demo_gone
+}
+
+case_pictures_go_where_the_caller_says() {
+    set_up_demo ''
+    mkdir "$scratch/elsewhere/album" "$scratch/checkout/docs" "$scratch/checkout/docs/images"
+    call "${in_demo[@]}" pictures album
+    expect status "$status" 0
+    expect arguments "$(<"$scratch/arguments")" "$scratch/elsewhere/album"
+    expect_demo_gone
+    call "${in_demo[@]}" pictures
+    expect arguments "$(<"$scratch/arguments")" "$scratch/checkout/docs/images"
+}
+
+case_pictures_fail_when_there_are_none() {
+    set_up_demo 'exit 1'
+    mkdir "$scratch/elsewhere/album"
+    call "${in_demo[@]}" pictures album
+    expect status "$status" 1
+    expect output "$out" ''
+    expect_demo_gone
+    call "${in_demo[@]}" pictures nowhere
+    expect status "$status" 1
+    expect_part errors "$err" 'There is no folder'
 }
 
 case_test_builds_everything_and_runs_ctest() {
