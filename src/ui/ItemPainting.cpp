@@ -12,6 +12,8 @@ void paintItemGround(QPainter *painter, const QStyleOptionViewItem &item)
     QStyleOptionViewItem ground = item;
     ground.text.clear();
     ground.icon = {};
+    // Or the frame of the focus would leave out the place of the icon.
+    ground.features &= ~QStyleOptionViewItem::HasDecoration;
     const QStyle *style = item.widget ? item.widget->style() : QApplication::style();
     style->drawControl(QStyle::CE_ItemViewItem, &ground, painter, item.widget);
 }
