@@ -7,6 +7,7 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QtMath>
 
 TableHeader::TableHeader(QWidget *parent) : QHeaderView(Qt::Horizontal, parent)
 {
@@ -39,7 +40,8 @@ void TableHeader::paintSection(QPainter *painter, const QRect &rect, int section
 QSize TableHeader::sectionSizeFromContents(int section) const
 {
     constexpr int verticalPadding = 6;
-    const int text = fontMetrics().horizontalAdvance(title(section));
+    // Rounded down, it would be elided for the missing fraction of a pixel.
+    const int text = qCeil(QFontMetricsF(font()).horizontalAdvance(title(section))) + 1;
     const int padding = 100 - CellDelegate::textPlace(QRect(0, 0, 100, 0), section).width();
     return {text + padding, fontMetrics().height() + 2 * verticalPadding};
 }

@@ -3,6 +3,7 @@
 
 #include "support/Input.h"
 #include "support/WindowTestMain.h"
+#include "ui/CellDelegate.h"
 
 #include <QClipboard>
 #include <QHeaderView>
@@ -55,6 +56,27 @@ class TableViewTest : public QObject {
 
 private Q_SLOTS:
     void init() { QGuiApplication::clipboard()->setText(u"before"_qs); }
+
+    void aHeaderFitsIntoItsColumn()
+    {
+        Shown shown;
+        const QStringList titles{u"Duration"_qs, u"Turns"_qs, u"Est. cost"_qs, u"Uptime"_qs,
+                                 u"Wi"_qs.repeated(9)};
+        shown.model.setHorizontalHeaderLabels(titles);
+        const QHeaderView *header = shown.table.horizontalHeader();
+        for (int points = 6; points <= 24; ++points) {
+            QFont font = header->font();
+            font.setPointSize(points);
+            shown.table.horizontalHeader()->setFont(font);
+            for (int column = 0; column < titles.size(); ++column) {
+                shown.table.setFixedColumn(column, 0);
+                const QRect cell(0, 0, header->sectionSize(column), 20);
+                const int place = CellDelegate::textPlace(cell, column).width();
+                QCOMPARE(header->fontMetrics().elidedText(titles[column], Qt::ElideRight, place),
+                         titles[column]);
+            }
+        }
+    }
 
     void copiesWholeRowsInTheirOrder()
     {
