@@ -23,7 +23,7 @@ set_up() {
     rm -rf -- "${scratch:?}"/*
     mkdir "$scratch/bin" "$scratch/checkout" "$scratch/elsewhere"
     cp -R -- "$source_root/scripts" "$source_root/demo" "$scratch/checkout"
-    for tool in bash comm dirname env mkdir realpath sed sort; do
+    for tool in bash comm dirname env mkdir realpath rm sed sort; do
         ln -s -- "$(command -v "$tool")" "$scratch/bin/$tool"
     done
     # shellcheck disable=SC2016 # the stubs expand these when they run
@@ -108,7 +108,7 @@ case_run_knows_no_other_option() {
 # A user with a home folder, for whom the demo's window notes down what it sees.
 set_up_demo() {
     local tool
-    for tool in base64 cat cp git ln mkfifo mktemp ps rm sleep; do
+    for tool in base64 cat cp git ln mkfifo mktemp ps sleep; do
         ln -s -- "$(command -v "$tool")" "$scratch/bin/$tool"
     done
     mkdir "$scratch/tmp" "$scratch/user"
@@ -233,6 +233,26 @@ case_pictures_fail_when_there_are_none() {
     call "${in_demo[@]}" pictures nowhere
     expect status "$status" 1
     expect_part errors "$err" 'There is no folder'
+}
+
+case_package_builds_everything_and_packs_it() {
+    # shellcheck disable=SC2016
+    stub cpack 'echo chatter; mkdir -p "$4"; : >"$4/some.deb"'
+    call package
+    expect status "$status" 0
+    expect output "$out" "The package is $scratch/checkout/build/package/some.deb"
+    expect errors "$err" ''
+    expect calls "$calls" "cmake -S checkout --preset release$as_usual
+cmake --build checkout/build/release
+cpack --config checkout/build/release/CPackConfig.cmake -B checkout/build/package"
+}
+
+case_package_fails_when_packing_fails() {
+    stub cpack 'echo the reason; exit 1'
+    call package
+    expect status "$status" 1
+    expect output "$out" ''
+    expect errors "$err" 'the reason'
 }
 
 case_test_builds_everything_and_runs_ctest() {
