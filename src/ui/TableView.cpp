@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QScrollBar>
 #include <QtMath>
 
@@ -71,27 +72,50 @@ void TableView::setFlexibleColumn(int column, int minimum)
     stretch();
 }
 
-QString TableView::selectedText() const
+QList<QStringList> TableView::selectedCells() const
 {
     QModelIndexList rows = selectionModel()->selectedRows();
     std::sort(rows.begin(), rows.end());
-    QString text;
+    QList<QStringList> cells;
     for (const QModelIndex &row : rows) {
-        QStringList cells;
+        cells.emplaceBack();
         for (int column = 0; column < model()->columnCount(); ++column)
             if (!model()->headerData(column, Qt::Horizontal).toString().isEmpty())
-                cells.append(row.siblingAtColumn(column).data().toString().simplified());
-        text += cells.join(u'\t') + u'\n';
+                cells.last().append(row.siblingAtColumn(column).data().toString().simplified());
     }
+    return cells;
+}
+
+QString TableView::selectedText() const
+{
+    QString text;
+    for (const QStringList &row : selectedCells())
+        text += row.join(u'\t') + u'\n';
     return text;
+}
+
+QString TableView::selectedHtml() const
+{
+    QString html;
+    for (const QStringList &row : selectedCells()) {
+        html += QStringLiteral("<tr>");
+        for (const QString &cell : row)
+            html += QStringLiteral("<td>") + cell.toHtmlEscaped() + QStringLiteral("</td>");
+        html += QStringLiteral("</tr>");
+    }
+    return QStringLiteral("<table>") + html + QStringLiteral("</table>");
 }
 
 void TableView::keyPressEvent(QKeyEvent *event)
 {
     if (!event->matches(QKeySequence::Copy))
         return QTableView::keyPressEvent(event);
-    if (selectionModel()->hasSelection())
-        QGuiApplication::clipboard()->setText(selectedText());
+    if (!selectionModel()->hasSelection())
+        return;
+    auto *copied = new QMimeData; // the clipboard's from here on
+    copied->setText(selectedText());
+    copied->setHtml(selectedHtml());
+    QGuiApplication::clipboard()->setMimeData(copied);
 }
 
 void TableView::resizeEvent(QResizeEvent *event)

@@ -6,8 +6,8 @@
 #include <QTableView>
 
 /// A table of records: whole rows are selected, all rows are equally high, rows that come and go
-/// above do not move what is seen, and copying puts the selected rows on the clipboard,
-/// tab-separated.
+/// above do not move what is seen, and copying puts the selected rows on the clipboard, as a table
+/// in HTML and as tab-separated text.
 class TableView : public QTableView {
     Q_OBJECT
 public:
@@ -29,12 +29,15 @@ public:
     /// The selected rows as text: cells separated by tabs, rows by line feeds. A tab or line break
     /// inside a cell becomes a blank. A column without a title holds no text, but a button.
     QString selectedText() const;
+    /// The same as a table in HTML.
+    QString selectedHtml() const;
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    QList<QStringList> selectedCells() const;
     void keepMinimum(int column, int oldWidth, int width);
     void stretch();
     void ensureCurrent();

@@ -8,6 +8,7 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QStandardItemModel>
 #include <QVBoxLayout>
 
@@ -88,6 +89,20 @@ private Q_SLOTS:
         Input::key(Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(clipboard(), u"a\tA\t1\nc\tC\t1\n"_qs);
         QCOMPARE(shown.table.selectedText(), clipboard());
+    }
+
+    void copiesATableForThoseWhoTakeOne()
+    {
+        Shown shown;
+        shown.model.setHorizontalHeaderLabels({u"Name"_qs, u"Size"_qs, QString()});
+        shown.model.appendRow(rowOf({u"a <b>& c"_qs, u"1"_qs, u"a button"_qs}));
+        shown.model.appendRow(rowOf({u"two\nlines"_qs, u"2"_qs, u"a button"_qs}));
+        shown.table.selectAll();
+        Input::key(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->mimeData()->html(),
+                 u"<table><tr><td>a &lt;b&gt;&amp; c</td><td>1</td></tr>"
+                 "<tr><td>two lines</td><td>2</td></tr></table>"_qs);
+        QCOMPARE(clipboard(), u"a <b>& c\t1\ntwo lines\t2\n"_qs);
     }
 
     void aCellIsCopiedOnOneLine()
