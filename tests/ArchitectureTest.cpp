@@ -308,7 +308,7 @@ private Q_SLOTS:
 
     void everyFileNamesItsLicence()
     {
-        for (const char *folder : {"src", "tests", "bench", "fuzz", "cmake"})
+        for (const char *folder : {"src", "tests", "bench", "fuzz", "cmake", "demo", "packaging"})
             VERIFY_NONE(withoutLicence(m_project + u'/' + QString::fromLatin1(folder)));
     }
 
