@@ -125,7 +125,7 @@ for ((i = 0; i < 300; ++i)); do
 done
 printf '%s\n' "\${agents[@]}" >$scratch/agents
 printf '%s\n' "\$HOME" "\$XAUTHORITY" "\$XDG_DATA_HOME" "\$XDG_CONFIG_HOME" \
-    "\$GIT_CONFIG_GLOBAL" >$scratch/environment
+    "\$GIT_CONFIG_GLOBAL" "\$XDG_RUNTIME_DIR" >$scratch/environment
 printf '%s\n' "\$HOME"/.claude/projects/*/ >$scratch/projects
 git -C "\$HOME/code/anchorage" -c core.quotePath=false status --short >$scratch/status
 printf '%s\n' "\$*" >$scratch/arguments
@@ -157,12 +157,29 @@ case_run_demo_shows_a_made_up_home() {
 $scratch/user/.Xauthority
 $demo_home/.local/share
 $demo_home/.config
-$demo_home/.gitconfig"
+$demo_home/.gitconfig
+$scratch/tmp/plinthar-demo/runtime"
     expect 'projects with logs' "$(wc -l <"$scratch/projects")" 6
     expect 'kinds of change' "$(cut -c 1-2 "$scratch/status" | sort -u | tr '\n' ,)" \
         ' D, M,??,A ,M ,MM,R ,UU,'
     expect agents "$(cut -d ' ' -f 2 "$scratch/agents" | sort | tr '\n' ' ')" \
         'claude claude codex cursor-agent node '
+    expect_demo_gone
+}
+
+case_run_demo_forgets_whom_the_user_has_stopped() {
+    # shellcheck disable=SC2016
+    set_up_demo 'kill "${agents[0]%% *}" "${agents[1]%% *}"; sleep 0.2'
+    call "${in_demo[@]}" run --demo
+    expect status "$status" 0
+    expect output "$out" ''
+    expect_demo_gone
+}
+
+case_run_demo_leaves_the_callers_repository_alone() {
+    set_up_demo ''
+    call "${in_demo[@]}" GIT_DIR="$scratch/user/git" GIT_INDEX_FILE="$scratch/user/index" run --demo
+    expect status "$status" 0
     expect_demo_gone
 }
 
