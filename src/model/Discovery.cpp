@@ -133,7 +133,8 @@ QString encodeClaudeDir(const QString &path)
         const bool pair = character.size() > 1 && character[0].isHighSurrogate();
         const char32_t first =
             pair ? QChar::surrogateToUcs4(character[0], character[1]) : character[0].unicode();
-        if (QChar::isLetterOrNumber(first))
+        // Some scripts write letters that take in the sign behind them, which may be a slash.
+        if (QChar::isLetterOrNumber(first) && !character.contains(u'/'))
             name += character;
         else
             name += u'-';
