@@ -8,7 +8,9 @@ target_compile_options(plinthar_options INTERFACE -Wall -Wextra -Wpedantic -Wsha
 target_compile_definitions(plinthar_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
                                                       QT_NO_KEYWORDS)
 if(PLINTHAR_SANITIZE)
+  # Undefined behaviour ends a program like everything else that is found, or no test would fail.
   target_compile_options(plinthar_options INTERFACE -fsanitize=${PLINTHAR_SANITIZE}
+                                                    -fno-sanitize-recover=all
                                                     -fno-omit-frame-pointer)
   target_link_options(plinthar_options INTERFACE -fsanitize=${PLINTHAR_SANITIZE})
 endif()

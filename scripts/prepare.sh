@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # shellcheck shell=bash
-# What scripts/run, scripts/test and .ci/run have in common. Sourced, never run.
+# What the scripts here and .ci/run have in common. Sourced, never run.
 
 root=$(realpath -- "$(dirname -- "${BASH_SOURCE[0]}")/..")
 
@@ -18,9 +18,9 @@ quietly() {
     return "$status"
 }
 
-# The names in scripts/packages, one a line.
+# listed_packages LIST...: the names in these lists, which stand in scripts, one a line.
 listed_packages() {
-    sed 's/#.*//; s/[[:space:]]//g; /^$/d' "$root/scripts/packages"
+    (cd -- "$root/scripts" && sed 's/#.*//; s/[[:space:]]//g; /^$/d' "$@")
 }
 
 # The packages on this system, one a line; none where there is no dpkg-query.
@@ -29,15 +29,15 @@ installed_packages() {
         sed -n 's/^installed //p'
 }
 
-# The listed packages that are not installed, one a line.
+# missing_packages LIST...: the listed packages that are not installed, one a line.
 missing_packages() {
-    comm -23 <(listed_packages | sort) <(installed_packages | sort)
+    comm -23 <(listed_packages "$@" | sort -u) <(installed_packages | sort)
 }
 
-# Installs what is missing. Leaves the package manager alone when nothing is.
+# install_missing LIST...: installs what is missing. Leaves the package manager alone when nothing is.
 install_missing() {
     local missing apt
-    mapfile -t missing < <(missing_packages)
+    mapfile -t missing < <(missing_packages "$@")
     ((${#missing[@]})) || return 0
 
     command -v apt-get >/dev/null ||

@@ -41,10 +41,12 @@ set_up() {
                 printf "#!%s\n%s\n" "$BASH" "$(<'"$scratch/program"')" >"$2/bin/${4:-plinthar}"
                 command -p chmod +x "$2/bin/${4:-plinthar}" ;;
             esac'
+        stub nproc 'echo 2'
     }
     echo 'echo the window' >"$scratch/program"
     : >"$scratch/agents"
     printf '%s\n' alpha 'g++' gamma-dev >"$scratch/checkout/scripts/packages"
+    printf '%s\n' alpha >"$scratch/checkout/scripts/packages-fuzz"
     printf 'installed %s\n' alpha 'g++' gamma-dev unlisted >"$scratch/installed"
 }
 
@@ -290,6 +292,75 @@ case_test_fails_when_ctest_fails() {
     expect status "$status" 8
 }
 
+# Three fuzz targets, which take what they are told to and find nothing.
+set_up_targets() {
+    local name
+    mkdir -p "$scratch/checkout/build/fuzz/fuzz"
+    # shellcheck disable=SC2016
+    for name in Dates Diff Logs; do
+        stub "$name" 'echo "stat::number_of_executed_units: 1234" >&2'
+        stub "${name}Replay" 'mkdir -p "$2"; : >"$3"'
+        mv "$scratch/bin/$name" "$scratch/bin/${name}Replay" "$scratch/checkout/build/fuzz/fuzz"
+    done
+}
+
+case_fuzz_wants_a_number_of_seconds() {
+    local wrong
+    for wrong in '' 0 -5 1.5 Diff; do
+        call fuzz $wrong
+        expect "status of '$wrong'" "$status" 1
+        expect_part "message of '$wrong'" "$err" 'Usage: scripts/fuzz SECONDS'
+        expect "calls of '$wrong'" "$calls" ''
+    done
+}
+
+case_fuzz_runs_every_target() {
+    set_up_targets
+    call fuzz 7
+    expect status "$status" 0
+    expect errors "$err" ''
+    expect_part calls "$calls" "cmake -S checkout --preset fuzz$as_usual
+cmake --build checkout/build/fuzz --target fuzz"
+    expect 'the runs' "$(sed -n 's/^\([A-Z][a-z]*\) -max_total_time=7 .*/\1/p' <<<"$calls" | sort | tr '\n' ' ')" \
+        'Dates Diff Logs '
+    expect table "$(sed -n '/^target/,$p' <<<"$out" | sed 's/  *[0-9] / S /')" \
+        'target                 runs  seconds  findings
+Dates                  1234 S         0
+Diff                   1234 S         0
+Logs                   1234 S         0'
+}
+
+case_fuzz_runs_the_targets_named() {
+    set_up_targets
+    call fuzz 7 Logs
+    expect status "$status" 0
+    expect 'other runs' "$(grep -E '^(Dates|Diff) ' <<<"$calls")" ''
+    call fuzz 7 Store
+    expect 'status without it' "$status" 1
+    expect_part message "$err" 'no target Store'
+}
+
+case_fuzz_fails_with_a_finding() {
+    set_up_targets
+    printf '#!%s\necho "  what():  rows are lost"\nexit 77\n' "$BASH" \
+        >"$scratch/checkout/build/fuzz/fuzz/Diff"
+    call fuzz 7
+    expect status "$status" 1
+    expect 'lines with a finding' "$(grep -cE '^(Dates|Diff|Logs) .* 1$' <<<"$out")" 1
+    expect_part output "$out" 'Diff found something'
+    expect_part output "$out" 'rows are lost'
+    expect 'the others' "$(grep -cE '^(Dates|Diff|Logs) .* 0$' <<<"$out")" 2
+}
+
+case_fuzz_installs_its_own_packages_too() {
+    set_up_targets
+    echo clang >>"$scratch/checkout/scripts/packages-fuzz"
+    call test
+    expect 'calls of apt-get by test' "$(grep apt-get <<<"$calls")" ''
+    call fuzz 7
+    expect_part calls "$calls" 'install --yes --no-install-recommends clang'
+}
+
 case_a_failed_build_ends_it() {
     # shellcheck disable=SC2016
     stub cmake 'if [[ $1 == --build ]]; then exit 3; else mkdir -p "$2/build/$4"; fi'
@@ -427,9 +498,9 @@ case_a_failed_update_is_shown_and_survived() {
     expect output "${out##*$'\n'}" 'closing line'
 }
 
-case_the_list_names_each_package_once() {
+case_the_lists_name_each_package_once() {
     local names
-    names=$(sed 's/#.*//; s/[[:space:]]*$//; /^$/d' "$source_root/scripts/packages")
+    names=$(sed 's/#.*//; s/[[:space:]]*$//; /^$/d' "$source_root"/scripts/packages*)
     expect 'lines that are no package name' "$(grep -vE '^[a-z0-9][a-z0-9+.-]+$' <<<"$names")" ''
     expect duplicates "$(sort <<<"$names" | uniq -d)" ''
     expect_part list "$names" 'g++'
