@@ -130,7 +130,8 @@ QString encodeClaudeDir(const QString &path)
         if (end <= begin)
             break;
         const QStringView character = QStringView(path).sliced(begin, end - begin);
-        const bool pair = character.size() > 1 && character[0].isHighSurrogate();
+        const bool pair =
+            character.size() > 1 && character[0].isHighSurrogate() && character[1].isLowSurrogate();
         const char32_t first =
             pair ? QChar::surrogateToUcs4(character[0], character[1]) : character[0].unicode();
         // Some scripts write letters that take in the sign behind them, which may be a slash.

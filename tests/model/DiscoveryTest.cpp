@@ -119,6 +119,7 @@ void DiscoveryTest::encodesAPath_data()
     row("family of joined emoji", u"a👩\u200d👩\u200d👧b"_qs, u"a-b"_qs);
     row("currency and mathematics", u"€±×"_qs, u"---"_qs);
     row("letter that takes in a slash", u"/\u0d4e\u0600/x"_qs, u"--x"_qs);
+    row("lone surrogate with a sign above it", QString(QChar(0xd88d)) + QChar(0xa980), u"-"_qs);
     row("lone surrogates", QString(QChar(0xd83d)) + u'x' + QChar(0xde00), u"-x-"_qs);
 }
 
