@@ -195,7 +195,7 @@ private Q_SLOTS:
         m_page->list()->setFocus();
         Input::key(Qt::Key_Down);
         QTRY_VERIFY_WITH_TIMEOUT(::kill(git, 0) != 0, 60'000);
-        QTRY_COMPARE(m_page->rows().constLast(),
+        QTRY_COMPARE(m_page->rows().value(m_page->rows().size() - 1),
                      u"Old line 1, removed: 1; New line 1, added: 2"_qs);
     }
 
