@@ -15,6 +15,23 @@ if(PLINTHAR_SANITIZE)
   target_link_options(plinthar_options INTERFACE -fsanitize=${PLINTHAR_SANITIZE})
 endif()
 
+# Where a part of every program helps the sanitizer, programs are made of that as well.
+set(PLINTHAR_TEST_TIMEOUT 300) # seconds
+if(PLINTHAR_SANITIZE)
+  set(PLINTHAR_TEST_TIMEOUT 1200)
+endif()
+if(PLINTHAR_SANITIZE STREQUAL "thread")
+  add_library(plinthar_program_options OBJECT cmake/QtForThreadSanitizer.cpp)
+  target_link_libraries(plinthar_program_options
+    PUBLIC plinthar_options Qt6::Core ${CMAKE_DL_LIBS})
+else()
+  add_library(plinthar_program_options INTERFACE)
+  target_link_libraries(plinthar_program_options INTERFACE plinthar_options)
+endif()
+
+# The tests of code that starts threads.
+add_custom_target(thread_tests)
+
 # plinthar_library(NAME SOURCES ... LINK ...): one room of the program. What is linked is what may
 # be included: a logic target that does not link Qt Gui cannot see a widget.
 function(plinthar_library name)
@@ -24,12 +41,19 @@ function(plinthar_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE plinthar_options)
 endfunction()
 
-# plinthar_test(NAME LINK ...): a Qt Test program made of NAME.cpp and run by CTest without a display.
+# plinthar_test(NAME [THREADS] LINK ...): a Qt Test program made of NAME.cpp and run by CTest without
+# a display. THREADS: what it tests starts threads.
 function(plinthar_test name)
-  cmake_parse_arguments(ARG "" "" "LINK;ARGUMENTS" ${ARGN})
+  cmake_parse_arguments(ARG "THREADS" "" "LINK;ARGUMENTS" ${ARGN})
   add_executable(${name} ${name}.cpp)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  target_link_libraries(${name} PRIVATE ${ARG_LINK} plinthar_test_support Qt6::Test plinthar_options)
+  target_link_libraries(${name} PRIVATE
+    ${ARG_LINK} plinthar_test_support Qt6::Test plinthar_program_options)
   add_test(NAME ${name} COMMAND ${name} ${ARG_ARGUMENTS})
-  set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" TIMEOUT 300)
+  set_tests_properties(${name} PROPERTIES
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen" TIMEOUT ${PLINTHAR_TEST_TIMEOUT})
+  if(ARG_THREADS)
+    set_tests_properties(${name} PROPERTIES LABELS threads)
+    add_dependencies(thread_tests ${name})
+  endif()
 endfunction()

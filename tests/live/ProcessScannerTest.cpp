@@ -6,12 +6,11 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QThread>
 
 #include <algorithm>
 #include <cerrno>
-#include <memory>
 #include <optional>
+#include <thread>
 #include <unistd.h>
 
 using namespace ProcessScanner;
@@ -42,9 +41,7 @@ QString found(const QString &line)
 QList<AgentProcess> scanWith(const Tools &tools = {})
 {
     QList<AgentProcess> agents;
-    const std::unique_ptr<QThread> thread(QThread::create([&] { agents = scan(tools); }));
-    thread->start();
-    thread->wait();
+    std::thread([&] { agents = scan(tools); }).join();
     return agents;
 }
 
@@ -433,8 +430,7 @@ void ProcessScannerTest::realAgentThatEnds()
     Tools tools = stubs.tools;
     tools.ps = Tools().ps;
     QList<AgentProcess> agents;
-    const std::unique_ptr<QThread> thread(QThread::create([&] { agents = scan(tools); }));
-    thread->start();
+    std::jthread thread([&] { agents = scan(tools); });
     // lsof's turn has come when its stub is there as a process; to be sure, wait for its start.
     QTRY_VERIFY_WITH_TIMEOUT(
         [&] {
@@ -446,7 +442,7 @@ void ProcessScannerTest::realAgentThatEnds()
         }(),
         60'000);
     agent.end();
-    thread->wait();
+    thread.join();
     const std::optional<AgentProcess> seen = withPid(agents, pid);
     QVERIFY(seen);
     QCOMPARE(seen->folder, dash);
@@ -466,13 +462,12 @@ void ProcessScannerTest::knowsWhenTheAgentsWereSeen()
     QFile::setPermissions(stubs.tools.lsof, QFile::ReadOwner | QFile::ExeOwner);
     const AgentDouble before(QStringLiteral("claude"), home.path());
     BootTicks seenAt = 0;
-    const std::unique_ptr<QThread> thread(QThread::create([&] { scan(stubs.tools, &seenAt); }));
-    thread->start();
+    std::jthread thread([&] { scan(stubs.tools, &seenAt); });
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(begun), 60'000);
     QTest::qWait(50); // several of the kernel's ticks
     AgentDouble during(QStringLiteral("claude"), home.path());
     writeFile(mayEnd, "");
-    thread->wait();
+    thread.join();
     QCOMPARE(ProcessHandle(during.pid(), seenAt).terminate(), ESRCH);
     QTest::qWait(100);
     QVERIFY(during.isRunning());

@@ -6,15 +6,14 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QScopeGuard>
-#include <QThread>
 #include <QThreadPool>
 #include <QtConcurrentMap>
 
 #include <csignal>
 #include <fcntl.h>
-#include <memory>
 #include <numeric>
 #include <sys/resource.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -26,9 +25,7 @@ template <typename Work>
 ShellResult onThread(Work work)
 {
     ShellResult result;
-    const std::unique_ptr<QThread> thread(QThread::create([&] { result = work(); }));
-    thread->start();
-    thread->wait();
+    std::thread([&] { result = work(); }).join();
     return result;
 }
 

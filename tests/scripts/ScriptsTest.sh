@@ -292,6 +292,25 @@ case_test_fails_when_ctest_fails() {
     expect status "$status" 8
 }
 
+case_sanitize_runs_the_tests_with_both() {
+    call test --sanitize -R 'two words'
+    expect status "$status" 0
+    expect calls "$calls" "cmake -S checkout --preset asan -DPLINTHAR_REAL_LOGS=$as_usual
+cmake --build checkout/build/asan
+ctest --preset asan -R two words
+cmake -S checkout --preset tsan -DPLINTHAR_REAL_LOGS=$as_usual
+cmake --build checkout/build/tsan
+ctest --preset tsan -R two words"
+}
+
+case_sanitize_fails_with_the_first() {
+    stub ctest 'exit 8'
+    call test --sanitize
+    expect status "$status" 8
+    expect_part calls "$calls" 'ctest --preset asan'
+    expect 'calls for tsan' "$(grep tsan <<<"$calls")" ''
+}
+
 # Three fuzz targets, which take what they are told to and find nothing.
 set_up_targets() {
     local name
