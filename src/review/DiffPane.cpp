@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "review/DiffPane.h"
 
-#include "review/DiffView.h"
 #include "model/TextCells.h"
+#include "review/DiffView.h"
 #include "ui/BusySign.h"
 #include "ui/EmphasisButton.h"
 #include "ui/EmptyState.h"
