@@ -4,6 +4,7 @@
 #include "app/FileManager.h"
 #include "app/ProjectDelegate.h"
 #include "app/ProjectListModel.h"
+#include "app/ReloadFoot.h"
 #include "model/Store.h"
 #include "ui/EmptyState.h"
 #include "ui/Icons.h"
@@ -47,6 +48,7 @@ Sidebar::Sidebar(Store &store, QWidget *parent)
     layout->setSpacing(0);
     layout->addWidget(buildToolBar());
     layout->addWidget(m_body, 1);
+    new ReloadFoot(m_store, this);
     connectSignals();
     updateProjects();
 }

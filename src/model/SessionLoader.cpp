@@ -85,17 +85,20 @@ void readTogether(Log &log, TimePoint now, const std::stop_token &stop)
 }
 
 /// Reads all logs. Every core writes to its own log's place only, so that no two share anything.
-void readLogs(std::vector<Log> &logs, const std::stop_token &stop)
+void readLogs(std::vector<Log> &logs, const std::stop_token &stop, ReloadProgress &progress)
 {
     const TimePoint now = currentTime();
     onAllCores(logs.size(), stop, [&] {
         return [&, reader = SessionReader()](size_t i) mutable {
             readUnlessLarge(logs[i], reader, now, stop);
+            progress.logsRead += logs[i].isLarge ? 0 : 1;
         };
     });
     for (Log &log : logs) {
-        if (log.isLarge && !stop.stop_requested())
+        if (log.isLarge && !stop.stop_requested()) {
             readTogether(log, now, stop);
+            ++progress.logsRead;
+        }
     }
 }
 
@@ -110,18 +113,22 @@ void sortNewestFirst(QList<Session> &sessions)
 namespace SessionLoader {
 
 LoadedProjects load(const QStringList &added, const QString &claudeProjectsRoot,
-                    const std::stop_token &stop)
+                    const std::stop_token &stop, ReloadProgress *progress)
 {
     LoadedProjects loaded;
     loaded.projects = Discovery::projects(added, claudeProjectsRoot, stop);
-    loaded.sessions = loadSessions(loaded.projects, stop);
+    loaded.sessions = loadSessions(loaded.projects, stop, progress);
     return loaded;
 }
 
-SessionMap loadSessions(const QList<Project> &projects, const std::stop_token &stop)
+SessionMap loadSessions(const QList<Project> &projects, const std::stop_token &stop,
+                        ReloadProgress *progress)
 {
+    ReloadProgress unseen;
+    ReloadProgress &told = progress ? *progress : unseen;
     std::vector<Log> logs = listLogs(projects, stop);
-    readLogs(logs, stop);
+    told.logsFound = qsizetype(logs.size());
+    readLogs(logs, stop, told);
     std::vector<QList<Session>> ofProject(size_t(projects.size()));
     for (Log &log : logs) {
         if (log.session)

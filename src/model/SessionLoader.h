@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/Project.h"
+#include "model/ReloadProgress.h"
 #include "model/Session.h"
 
 #include <QList>
@@ -22,9 +23,10 @@ struct LoadedProjects {
 namespace SessionLoader {
 
 LoadedProjects load(const QStringList &added, const QString &claudeProjectsRoot,
-                    const std::stop_token &stop = {});
+                    const std::stop_token &stop = {}, ReloadProgress *progress = nullptr);
 
 /// The sessions of the projects, newest first in each; an empty list for a project without logs.
-SessionMap loadSessions(const QList<Project> &projects, const std::stop_token &stop = {});
+SessionMap loadSessions(const QList<Project> &projects, const std::stop_token &stop = {},
+                        ReloadProgress *progress = nullptr);
 
 } // namespace SessionLoader

@@ -51,11 +51,13 @@ void Store::setPrices(const QList<PriceRow> &prices)
 
 void Store::reload()
 {
+    m_progress = std::make_shared<ReloadProgress>();
     setLoading(true);
     Background::run(
         this, m_stop.get_token(),
-        [added = m_added, root = m_claudeProjectsRoot](const std::stop_token &stop) {
-            return SessionLoader::load(added, root, stop);
+        [added = m_added, root = m_claudeProjectsRoot,
+         progress = m_progress](const std::stop_token &stop) {
+            return SessionLoader::load(added, root, stop, progress.get());
         },
         [this](LoadedProjects &&loaded) { apply(std::move(loaded)); });
 }

@@ -4,11 +4,13 @@
 #include "model/Discovery.h"
 #include "model/PriceRow.h"
 #include "model/Project.h"
+#include "model/ReloadProgress.h"
 #include "model/Session.h"
 
 #include <QObject>
 #include <QStringList>
 
+#include <memory>
 #include <optional>
 #include <stop_token>
 
@@ -34,6 +36,8 @@ public:
     const QList<PriceRow> &prices() const { return m_prices; }
     /// Whether a reload is running.
     bool loading() const { return m_loading; }
+    /// How far the reload has come that began last; nothing before the first one.
+    std::shared_ptr<const ReloadProgress> progress() const { return m_progress; }
     /// The folders added by hand, in the order of adding.
     const QStringList &added() const { return m_added; }
 
@@ -75,6 +79,7 @@ private:
     SessionMap m_sessions;
     QList<PriceRow> m_prices;
     bool m_loading = false;
+    std::shared_ptr<ReloadProgress> m_progress;
     QStringList m_added;
     std::stop_source m_stop;
 };

@@ -301,6 +301,30 @@ private Q_SLOTS:
         QCOMPARE(m_window->store().added().size(), 1);
     }
 
+    void aLongReloadIsToldAtTheFoot()
+    {
+        prepare({u"/w/a"_qs}, {});
+        m_window->load();
+        auto *foot = find<QWidget>(&m_window->view(), u"reloadFoot"_qs);
+        QVERIFY(!foot->isVisible());
+        const QRect before = m_window->projects()->geometry();
+        {
+            const HeldBackground held;
+            m_window->store().reload();
+            QVERIFY(!foot->isVisible()); // which is not worth telling yet
+            QTRY_VERIFY(foot->isVisible());
+            QCOMPARE(find<QLabel>(foot)->text(), u"Looking for logs\u2026"_qs);
+            QCOMPARE(m_window->projects()->geometry(), before); // nothing moves
+            QCOMPARE(foot->parentWidget()->rect().bottom(), foot->geometry().bottom());
+            QCOMPARE(foot->width(), foot->parentWidget()->width());
+            m_window->view().resize(1200, 900);
+            QTRY_COMPARE(foot->parentWidget()->rect().bottom(), foot->geometry().bottom());
+        }
+        QTRY_VERIFY(!m_window->store().loading());
+        QVERIFY(!foot->isVisible());
+        QCOMPARE(m_window->store().progress()->logsRead.load(), 1);
+    }
+
     void removesTheSelectedProject()
     {
         prepare({u"/w/z"_qs}, {u"a"_qs});

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void hugeLogIsReadWhole();
     void stopsWhenAsked();
     void logsThatChangeMeanwhile();
+    void tellsHowFarItHasCome();
 
 private:
     void writeLog(const QString &name, const QByteArray &content) const
@@ -247,6 +248,25 @@ void SessionLoaderTest::logsThatChangeMeanwhile()
         QVERIFY(steady != sessions.end());
         QCOMPARE(steady->turns, 500);
     }
+}
+
+void SessionLoaderTest::tellsHowFarItHasCome()
+{
+    writeLog(u"-a/one.jsonl"_qs,
+             LogLines::log({LogLines::user(u"2026-03-05T10:00:00Z"_qs, u"x"_qs)}));
+    writeLog(u"-a/empty.jsonl"_qs, "");
+    // So large that the cores share it.
+    writeLog(u"-b/large.jsonl"_qs, (QByteArray(1000, ' ') + '\n').repeated(20'000));
+    ReloadProgress progress;
+    SessionLoader::load({}, m_home->claude(), {}, &progress);
+    QCOMPARE(progress.logsFound.load(), 3);
+    QCOMPARE(progress.logsRead.load(), 3);
+
+    std::stop_source stop;
+    stop.request_stop();
+    ReloadProgress stopped;
+    SessionLoader::load({}, m_home->claude(), stop.get_token(), &stopped);
+    QCOMPARE(stopped.logsRead.load(), 0);
 }
 
 PLINTHAR_TEST_MAIN(SessionLoaderTest)
