@@ -5,6 +5,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextLayout>
 
 namespace {
 
@@ -48,6 +49,15 @@ void fill(QTextDocument &document, const FileText &file)
     cursor.endEditBlock();
 }
 
+/// Qt keeps what it has loaded of a font for each thread, and gives it up when the thread ends. A
+/// text that has been laid out holds on to it all the same, and would use it on the next thread.
+/// Only the first paragraph is laid out by a document that nobody has shown.
+void forgetFonts(QTextDocument &document)
+{
+    QTextLayout *layout = document.firstBlock().layout();
+    layout->setFont(layout->font());
+}
+
 } // namespace
 
 namespace ContextDocument {
@@ -65,6 +75,7 @@ std::unique_ptr<QTextDocument> make(const FileText &file, const Style &style)
     document->setDefaultTextOption(option);
     fill(*document, file);
     document->setUndoRedoEnabled(true);
+    forgetFonts(*document);
     document->moveToThread(nullptr);
     return document;
 }

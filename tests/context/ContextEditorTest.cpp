@@ -5,6 +5,7 @@
 
 #include <QClipboard>
 #include <QMimeData>
+#include <QThread>
 
 #include <random>
 
@@ -37,6 +38,8 @@ private Q_SLOTS:
     void pastedTextGetsTheUsualBreaks();
     void halfACharacterPastedIsNoLineBreak();
     void undoBeginsWithTheText();
+    void aTextOutlivesTheThreadThatMadeIt_data();
+    void aTextOutlivesTheThreadThatMadeIt();
     void isReadOnlyToPastingToo();
     void theFontIsMonospacedAndAsLargeAsOtherText();
 
@@ -275,6 +278,32 @@ void ContextEditorTest::undoBeginsWithTheText()
     QCOMPARE(bytes(), QByteArray("second"));
     press({{Qt::Key_Y, Qt::ControlModifier}});
     QCOMPARE(bytes(), QByteArray("xsecond"));
+}
+
+void ContextEditorTest::aTextOutlivesTheThreadThatMadeIt_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray("");
+    QTest::newRow("one line") << QByteArray("one line");
+    QTest::newRow("two lines") << QByteArray("two\nlines\n");
+}
+
+void ContextEditorTest::aTextOutlivesTheThreadThatMadeIt()
+{
+    QFETCH(QByteArray, content);
+    OpenedText text;
+    const ContextDocument::Style style = m_editor->documentStyle();
+    // What Qt knows of fonts is kept for each thread, and goes with it.
+    std::unique_ptr<QThread> maker(
+        QThread::create([&] { text = OpenedText::make(decodeText(content).value(), style); }));
+    maker->start();
+    QVERIFY(maker->wait());
+    maker.reset();
+    m_editor->open(std::move(text));
+    m_editor->moveCursor(QTextCursor::End);
+    QVERIFY(!m_editor->grab().isNull());
+    QTest::keyClick(m_editor.get(), Qt::Key_X);
+    QCOMPARE(bytes(), content + 'x');
 }
 
 void ContextEditorTest::isReadOnlyToPastingToo()
