@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Environment.h"
 
+#include "RealProgram.h"
 #include "support/AgentDouble.h"
 #include "support/TestMain.h"
 
 #include <QDir>
-#include <QProcess>
-#include <QProcessEnvironment>
-#include <QScopeGuard>
 
 namespace {
 
@@ -92,37 +90,17 @@ void EnvironmentTest::childrenOfTheProgramGetItInOrder()
 {
     // The real program, shown its Live tab, runs ps and, since there is an agent, lsof.
     const PrivateHome home;
-    const QString folder = home.path(QStringLiteral("project"));
     const QString records = home.path(QStringLiteral("records"));
-    const QString runtime = home.path(QStringLiteral("runtime"));
-    QVERIFY(QDir().mkpath(folder) && QDir().mkpath(records) && QDir().mkpath(runtime));
-    QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    writeFile(home.support(QStringLiteral("projects.json")), "[\"" + folder.toUtf8() + "\"]");
-    const AgentDouble agent(QStringLiteral("claude"), folder);
+    QVERIFY(QDir().mkpath(records));
+    const AgentDouble agent(QStringLiteral("claude"), addProject(home));
 
     QProcessEnvironment environment = hostile();
-    environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(RECORDER));
+    preload(environment, QStringLiteral(RECORDER));
     environment.insert(QStringLiteral("RECORD_FOLDER"), records);
     environment.insert(QStringLiteral("RECORD_PROGRAMS"), QStringLiteral(" plinthar ps lsof "));
-    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(PLUGINS));
-    environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"),
-                       QStringLiteral("KeyPresser:Ctrl+2"));
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
-    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
-                       QStringLiteral("unix:path=/nowhere"));
-    // A sanitizer otherwise wants to be the first library of its program.
-    environment.insert(QStringLiteral("ASAN_OPTIONS"),
-                       QStringLiteral("verify_asan_link_order=0:detect_leaks=0"));
-    QProcess program;
-    program.setProcessEnvironment(environment);
-    program.setProcessChannelMode(QProcess::ForwardedChannels);
-    program.start(QStringLiteral(PROGRAM), QStringList());
-    const auto end = qScopeGuard([&program] {
-        program.kill();
-        program.waitForFinished(-1);
-    });
-    QVERIFY(program.waitForStarted(60'000));
+    RealProgram program(home, environment);
+    program.pressKeys(QStringLiteral("Ctrl+2"));
+    QVERIFY(program.begin());
     for (const QString &tool : {QStringLiteral("ps"), QStringLiteral("lsof")})
         QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(records + u'/' + tool), qPrintable(tool), 120'000);
     // The program itself was started with the hostile one, or the test would show nothing.

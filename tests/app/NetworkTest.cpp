@@ -3,25 +3,17 @@
 // The program reaches no network: every socket that it or one of its children makes is a local one,
 // as displays and message buses have them.
 
+#include "RealProgram.h"
 #include "support/AgentDouble.h"
-#include "support/PrivateHome.h"
 #include "support/TestMain.h"
-
-#include <QDir>
-#include <QProcess>
-#include <QProcessEnvironment>
-#include <QScopeGuard>
 
 namespace {
 
 QProcessEnvironment recording(const QString &file)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(RECORDER));
+    preload(environment, QStringLiteral(RECORDER));
     environment.insert(QStringLiteral("RECORD_SOCKETS"), file);
-    // A sanitizer otherwise wants to be the first library of its program.
-    environment.insert(QStringLiteral("ASAN_OPTIONS"),
-                       QStringLiteral("verify_asan_link_order=0:detect_leaks=0"));
     return environment;
 }
 
@@ -75,32 +67,14 @@ void NetworkTest::theRecorderSeesANetworkSocket()
 void NetworkTest::noTabReachesANetwork()
 {
     const PrivateHome home;
-    const QString folder = home.path(QStringLiteral("project"));
-    const QString runtime = home.path(QStringLiteral("runtime"));
+    const QString folder = addProject(home);
     const QString file = home.path(QStringLiteral("sockets"));
-    QVERIFY(QDir().mkpath(folder) && QDir().mkpath(runtime));
-    QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     makeRepository(folder);
-    writeFile(home.support(QStringLiteral("projects.json")), "[\"" + folder.toUtf8() + "\"]");
     const AgentDouble agent(QStringLiteral("claude"), folder);
 
-    QProcessEnvironment environment = recording(file);
-    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(PLUGINS));
-    environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"),
-                       QStringLiteral("KeyPresser:Ctrl+2;Ctrl+3;Ctrl+4;Ctrl+5"));
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
-    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
-                       QStringLiteral("unix:path=/nowhere"));
-    QProcess program;
-    program.setProcessEnvironment(environment);
-    program.setProcessChannelMode(QProcess::ForwardedChannels);
-    program.start(QStringLiteral(PROGRAM), QStringList());
-    const auto end = qScopeGuard([&program] {
-        program.kill();
-        program.waitForFinished(-1);
-    });
-    QVERIFY(program.waitForStarted(60'000));
+    RealProgram program(home, recording(file));
+    program.pressKeys(QStringLiteral("Ctrl+2;Ctrl+3;Ctrl+4;Ctrl+5"));
+    QVERIFY(program.begin());
     // Every tab with a tool has been open when its tool has run.
     for (const char *tool : {"plinthar", "ps", "lsof", "git"})
         QTRY_VERIFY2_WITH_TIMEOUT(recorded(file).contains(tool), tool, 120'000);
