@@ -5,6 +5,7 @@
 #include "support/HeldBackground.h"
 #include "support/Input.h"
 #include "support/SpecialFiles.h"
+#include "support/ToolTipText.h"
 #include "support/Window.h"
 #include "support/WindowTestMain.h"
 #include "ui/Colors.h"
@@ -15,7 +16,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSplitter>
-#include <QTextDocument>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -42,13 +42,6 @@ bool shows(const QColor &color, QWidget *widget)
 {
     constexpr int antialiased = 60;
     return distanceTo(color, widget) < antialiased;
-}
-
-QString plain(const QString &toolTip)
-{
-    QTextDocument document;
-    document.setHtml(toolTip);
-    return document.toPlainText();
 }
 
 } // namespace
@@ -549,7 +542,7 @@ void ContextViewTest::whatIsNoTextIsNotWipedByAccident()
     open();
     QCOMPARE(text(), QString());
     QVERIFY(!saveButton()->isEnabled());
-    QVERIFY(plain(editor()->toolTip()).contains(u"not valid UTF-8"_qs));
+    QVERIFY(shownText(editor()->toolTip()).contains(u"not valid UTF-8"_qs));
     QVERIFY(editor()->accessibleDescription().contains(u"not valid UTF-8"_qs));
     Input::click(editor()->viewport());
     Input::key(Qt::Key_S, Qt::ControlModifier);
@@ -568,7 +561,7 @@ void ContextViewTest::aFifoIsNotRead()
     open();
     QCOMPARE(selectedRow(), project("/CLAUDE.md"));
     QCOMPARE(text(), QString());
-    QVERIFY(plain(editor()->toolTip()).contains(u"not a regular file"_qs));
+    QVERIFY(shownText(editor()->toolTip()).contains(u"not a regular file"_qs));
     typeAtEnd(u"x"_qs);
     save();
     QCOMPARE(status(), u"Save failed: Illegal seek"_qs);
@@ -637,7 +630,7 @@ void ContextViewTest::namesAreNoMarkup()
     QCOMPARE(label(u"fileLabel"_qs)->text(), path);
     QCOMPARE(label(u"fileLabel"_qs)->textFormat(), Qt::PlainText);
     const QModelIndex index = list()->model()->index(rowOf(path), 0);
-    QCOMPARE(plain(index.data(Qt::ToolTipRole).toString()), path);
+    QCOMPARE(shownText(index.data(Qt::ToolTipRole).toString()), path);
 }
 
 void ContextViewTest::tellsAssistiveTechnologyEverything()

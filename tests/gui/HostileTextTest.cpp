@@ -6,6 +6,7 @@
 #include "live/StopDialog.h"
 #include "support/Input.h"
 #include "support/LogLines.h"
+#include "support/ToolTipText.h"
 #include "support/Window.h"
 #include "support/WindowTestMain.h"
 #include "usage/BarChart.h"
@@ -13,7 +14,6 @@
 #include <QAbstractButton>
 #include <QImage>
 #include <QLabel>
-#include <QTextDocument>
 
 namespace {
 
@@ -60,13 +60,6 @@ private:
     PrivateHome m_home;
     Window m_window{m_home};
 };
-
-QString plainTextOf(const QString &toolTip)
-{
-    QTextDocument document;
-    document.setHtml(toolTip);
-    return document.toPlainText();
-}
 
 } // namespace
 
@@ -132,9 +125,9 @@ void HostileTextTest::markupIsText()
     const QModelIndex project = hostile.window().projects()->model()->index(0, 0);
     QString folder = text;
     folder.remove(u'/');
-    QCOMPARE(plainTextOf(project.data(Qt::ToolTipRole).toString()), u"/code/"_qs + folder);
+    QCOMPARE(shownText(project.data(Qt::ToolTipRole).toString()), u"/code/"_qs + folder);
     const QAbstractItemModel *sessions = hostile.window().sessions()->model();
-    QCOMPARE(plainTextOf(sessions->index(0, 2).data(Qt::ToolTipRole).toString()), text.trimmed());
+    QCOMPARE(shownText(sessions->index(0, 2).data(Qt::ToolTipRole).toString()), text.trimmed());
 }
 
 void HostileTextTest::noLengthBreaksTheWindow_data()

@@ -6,6 +6,7 @@
 #include "support/HeldBackground.h"
 #include "support/Input.h"
 #include "support/Sessions.h"
+#include "support/ToolTipText.h"
 #include "support/Window.h"
 #include "support/WindowTestMain.h"
 
@@ -20,7 +21,6 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSplitter>
-#include <QTextDocument>
 #include <QToolButton>
 
 namespace {
@@ -550,9 +550,8 @@ private Q_SLOTS:
         const QLabel *title = labelWith(m_window->detail(), name);
         QVERIFY(title);
         QCOMPARE(title->textFormat(), Qt::PlainText);
-        QTextDocument toolTip;
-        toolTip.setHtml(Input::toolTipAt(m_window->projects()->viewport(), QPoint(40, 10)));
-        QCOMPARE(toolTip.toPlainText(), u"/w/"_qs + name);
+        const QString toolTip = Input::toolTipAt(m_window->projects()->viewport(), QPoint(40, 10));
+        QCOMPARE(shownText(toolTip), u"/w/"_qs + name);
     }
 
     void isNeverSmallerThan1000By640()

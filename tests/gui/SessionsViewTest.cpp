@@ -6,6 +6,7 @@
 #include "support/HeldBackground.h"
 #include "support/Input.h"
 #include "support/Sessions.h"
+#include "support/ToolTipText.h"
 #include "support/Window.h"
 #include "support/WindowTestMain.h"
 #include "ui/Spinner.h"
@@ -20,7 +21,6 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QSplitter>
-#include <QTextDocument>
 
 #include <filesystem>
 
@@ -691,9 +691,7 @@ private:
     {
         const QTableView *table = m_window->sessions();
         const QPoint place = table->visualRect(table->model()->index(row, column)).center();
-        QTextDocument document;
-        document.setHtml(Input::toolTipAt(table->viewport(), place));
-        return document.toPlainText();
+        return shownText(Input::toolTipAt(table->viewport(), place));
     }
 
     QImage pictureOf(int row, int column) const

@@ -5,6 +5,7 @@
 #include "support/HeldBackground.h"
 #include "support/Input.h"
 #include "support/Sessions.h"
+#include "support/ToolTipText.h"
 #include "support/Window.h"
 #include "support/WindowTestMain.h"
 #include "ui/Colors.h"
@@ -17,7 +18,6 @@
 #include <QAccessibleInterface>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTextDocument>
 #include <QToolTip>
 #include <QWheelEvent>
 #include <QtTest/qtestspontaneevent.h>
@@ -80,14 +80,6 @@ double sumOf(const ChartContents &chart)
     for (const ChartBar &bar : chart.bars)
         sum += bar.value;
     return sum;
-}
-
-/// A tooltip's text as it reads.
-QString plain(const QString &html)
-{
-    QTextDocument document;
-    document.setHtml(html);
-    return document.toPlainText();
 }
 
 bool hasColor(const QWidget *widget, const QColor &color)
@@ -340,13 +332,13 @@ private Q_SLOTS:
         const QDate today = QDateTime::currentDateTimeUtc().date();
         const QString expected =
             QLocale().toString(today, QLocale::LongFormat) + u"\n1,234,567 tokens \u00b7 $18.52"_qs;
-        QCOMPARE(plain(Input::toolTipAt(chart, chart->roomOf(29).center())), expected);
+        QCOMPARE(shownText(Input::toolTipAt(chart, chart->roomOf(29).center())), expected);
         // Also without waiting, and over a day of nothing.
         QToolTip::hideText();
         QTest::mouseMove(chart->window()->windowHandle(),
                          chart->mapTo(chart->window(), chart->roomOf(28).center()));
         QTRY_COMPARE(chart->marked(), 28);
-        QTRY_COMPARE(plain(QToolTip::text()),
+        QTRY_COMPARE(shownText(QToolTip::text()),
                      QLocale().toString(today.addDays(-1), QLocale::LongFormat) +
                          u"\n0 tokens \u00b7 $0.00"_qs);
     }
@@ -361,7 +353,7 @@ private Q_SLOTS:
         QCOMPARE(chart->marked(), 29); // today
         Input::key(Qt::Key_Left);
         QCOMPARE(chart->marked(), 28);
-        QVERIFY(plain(QToolTip::text()).endsWith(u"\n77 tokens \u00b7 $0.00"_qs));
+        QVERIFY(shownText(QToolTip::text()).endsWith(u"\n77 tokens \u00b7 $0.00"_qs));
         Input::key(Qt::Key_Home);
         QCOMPARE(chart->marked(), 0);
         Input::key(Qt::Key_Left);
@@ -401,14 +393,15 @@ private Q_SLOTS:
         BarChart *chart = m_tab->projectTokens();
         m_tab->page()->verticalScrollBar()->setValue(10'000);
         const QRect room = chart->roomOf(0);
-        QVERIFY(plain(Input::toolTipAt(chart, room.center())).startsWith(name));
+        QVERIFY(shownText(Input::toolTipAt(chart, room.center())).startsWith(name));
         // The label is too long, and tells the whole name.
-        QCOMPARE(plain(Input::toolTipAt(chart, QPoint(room.left() / 2, room.center().y()))), name);
+        QCOMPARE(shownText(Input::toolTipAt(chart, QPoint(room.left() / 2, room.center().y()))),
+                 name);
         QAbstractButton *segment =
             find<SegmentedSwitch>(m_tab->view)->findChildren<QAbstractButton *>()[1];
         QCOMPARE(segment->accessibleName(), name);
         m_tab->page()->verticalScrollBar()->setValue(0);
-        QCOMPARE(plain(Input::toolTipAt(segment, segment->rect().center())), name);
+        QCOMPARE(shownText(Input::toolTipAt(segment, segment->rect().center())), name);
     }
 
     void wheelOverAChartScrollsThePage()

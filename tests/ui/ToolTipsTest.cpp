@@ -2,22 +2,7 @@
 #include "ui/ToolTips.h"
 
 #include "support/GuiTestMain.h"
-
-#include <QTextDocument>
-
-namespace {
-
-/// What a tooltip with that text shows.
-QString shown(const QString &toolTip)
-{
-    if (!Qt::mightBeRichText(toolTip))
-        return toolTip;
-    QTextDocument document;
-    document.setHtml(toolTip);
-    return document.toPlainText();
-}
-
-} // namespace
+#include "support/ToolTipText.h"
 
 class ToolTipsTest : public QObject {
     Q_OBJECT
@@ -40,7 +25,7 @@ private Q_SLOTS:
     void showsTheTextAsItStands()
     {
         QFETCH(QString, text);
-        QCOMPARE(shown(plainToolTip(text)), text);
+        QCOMPARE(shownText(plainToolTip(text)), text);
         QVERIFY(Qt::mightBeRichText(plainToolTip(text))); // or it would never be broken into lines
     }
 
@@ -48,18 +33,18 @@ private Q_SLOTS:
 
     void cutsWhatNoScreenHolds()
     {
-        const QString text = shown(plainToolTip(u"x"_qs.repeated(1'000'000)));
+        const QString text = shownText(plainToolTip(u"x"_qs.repeated(1'000'000)));
         QVERIFY(text.size() > 1'000 && text.size() < 10'000);
         QVERIFY(text.endsWith(u'\u2026'));
         const QString fits = u"x"_qs.repeated(1'000);
-        QCOMPARE(shown(plainToolTip(fits)), fits);
+        QCOMPARE(shownText(plainToolTip(fits)), fits);
     }
 
     void doesNotCutACharacterInTwo()
     {
         for (const int before : {0, 1}) {
             const QString text = u"x"_qs.repeated(before) + u"\U0001f600"_qs.repeated(5'000);
-            QVERIFY(shown(plainToolTip(text)).isValidUtf16());
+            QVERIFY(shownText(plainToolTip(text)).isValidUtf16());
         }
     }
 };
