@@ -4,6 +4,7 @@
 #include "review/ChangeListModel.h"
 #include "ui/Colors.h"
 #include "ui/Fonts.h"
+#include "ui/ForeignText.h"
 #include "ui/Icons.h"
 #include "ui/ItemPainting.h"
 #include "ui/ToolTips.h"
@@ -86,7 +87,8 @@ bool ChangeDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     const QString path = index.data().toString();
     const QRect place = pathPlace(option.rect, fileOf(index).isWhollyStaged());
-    const bool cut = view->fontMetrics().horizontalAdvance(path) > place.width();
+    const bool cut =
+        ForeignText::line(path, view->fontMetrics(), place.width(), Qt::ElideLeft) != path;
     QToolTip::showText(event->globalPos(), cut ? plainToolTip(path) : QString(), view);
     return true;
 }

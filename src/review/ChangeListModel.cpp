@@ -15,7 +15,7 @@ QVariant ChangeListModel::data(const QModelIndex &index, int role) const
     const GitFile &file = rows().at(index.row());
     switch (role) {
     case Qt::DisplayRole:
-        return visibleText(file.path);
+        return file.path;
     case Qt::AccessibleTextRole: {
         const QString told = file.badge() + u' ' + visibleText(file.path);
         return file.isWhollyStaged() ? told + QStringLiteral(", wholly staged") : told;

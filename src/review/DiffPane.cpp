@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "review/DiffPane.h"
 
-#include "model/TextCells.h"
 #include "review/DiffView.h"
 #include "ui/BusySign.h"
 #include "ui/EmphasisButton.h"
@@ -92,7 +91,7 @@ int DiffPane::toolBarHeight() const
 
 void DiffPane::setPath(const QString &path)
 {
-    m_path->setText(path.isEmpty() ? QStringLiteral("Select a file") : visibleText(path));
+    m_path->setText(path.isEmpty() ? QStringLiteral("Select a file") : path);
 }
 
 void DiffPane::setActions(const Actions &actions)

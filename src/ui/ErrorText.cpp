@@ -41,9 +41,7 @@ ErrorText::ErrorText(int mostLines, QWidget *parent)
 
 void ErrorText::setError(const QString &text)
 {
-    const bool cut = text.size() > mostCharacters;
-    setPlainText(ForeignText::lines(cut ? QChar(0x2026) + text.last(mostCharacters) : text,
-                                    mostCharacters + 1));
+    setPlainText(ForeignText::lines(text, mostCharacters, Qt::ElideLeft));
     setVisible(!text.isEmpty());
     fitHeight();
 }

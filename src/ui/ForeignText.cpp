@@ -48,9 +48,9 @@ QString line(const QString &text, const QFontMetrics &metrics, int width, Qt::Te
     return metrics.elidedText(visibleText(shortened(text, most, elide)), elide, width);
 }
 
-QString lines(const QString &text, qsizetype mostCharacters)
+QString lines(const QString &text, qsizetype mostCharacters, Qt::TextElideMode elide)
 {
-    QString shown = shortened(text, mostCharacters, Qt::ElideRight);
+    QString shown = shortened(text, mostCharacters, elide);
     shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     QString visible;
     const auto isKept = [](QChar character) { return character == u'\n' || character == u'\t'; };

@@ -14,8 +14,10 @@ namespace ForeignText {
 QString line(const QString &text, const QFontMetrics &metrics, int width,
              Qt::TextElideMode elide = Qt::ElideRight);
 
-/// The beginning of the text, line by line, for what breaks lines by itself.
-QString lines(const QString &text, qsizetype mostCharacters = 4000);
+/// The beginning of the text, or its end when it is elided on the left, line by line, for what
+/// breaks lines by itself.
+QString lines(const QString &text, qsizetype mostCharacters = 4000,
+              Qt::TextElideMode elide = Qt::ElideRight);
 
 /// The beginning of the text in one line, for a window's title.
 QString title(const QString &text);

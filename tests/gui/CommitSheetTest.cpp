@@ -50,8 +50,6 @@ private Q_SLOTS:
     void cleanup()
     {
         m_page.reset();
-        Background::savingPool().waitForDone();
-        Background::pool().waitForDone();
         m_repository.reset();
         qunsetenv("TMPDIR");
         m_home.reset();

@@ -54,8 +54,6 @@ private Q_SLOTS:
     void cleanup()
     {
         m_page.reset();
-        Background::savingPool().waitForDone();
-        Background::pool().waitForDone();
         m_home.reset();
     }
 
@@ -368,7 +366,7 @@ private Q_SLOTS:
         const Repository repository = filled();
         repository.write(u"line\nfeed"_qs, "new\n");
         m_page->open();
-        QCOMPARE(m_page->path(), u"line[LF]feed"_qs);
+        QCOMPARE(m_page->path(), u"line\nfeed"_qs); // the label names what it paints
         QCOMPARE(m_page->files(), QStringList(u"U line[LF]feed"_qs));
         QCOMPARE(m_page->rows().constLast(), u"New line 1, added: new"_qs);
     }

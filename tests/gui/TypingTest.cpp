@@ -61,8 +61,6 @@ private Q_SLOTS:
     void cleanup()
     {
         m_page.reset();
-        Background::savingPool().waitForDone();
-        Background::pool().waitForDone();
         m_home.reset();
     }
 

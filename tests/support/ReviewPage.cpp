@@ -16,14 +16,21 @@
 
 ReviewPage::ReviewPage(const PrivateHome &home)
     : m_folder(addByHand(home, {QStringLiteral("project")}).constFirst())
-    , m_window(home)
+    , m_window(std::make_unique<Window>(home))
 {
+}
+
+ReviewPage::~ReviewPage()
+{
+    m_window.reset();
+    Background::savingPool().waitForDone();
+    Background::pool().waitForDone();
 }
 
 void ReviewPage::open()
 {
-    m_window.load();
-    Input::clickCell(m_window.projects(), 0);
+    m_window->load();
+    Input::clickCell(m_window->projects(), 0);
     Input::key(Qt::Key_3, Qt::ControlModifier);
     settle();
 }
@@ -56,12 +63,12 @@ QString ReviewPage::selected() const
 
 QString ReviewPage::count() const
 {
-    return find<QLabel>(m_window.detail(), QStringLiteral("changeCount"))->text();
+    return find<QLabel>(m_window->detail(), QStringLiteral("changeCount"))->text();
 }
 
 QString ReviewPage::path() const
 {
-    return find<QLabel>(m_window.detail(), QStringLiteral("selectedPath"))->text();
+    return find<QLabel>(m_window->detail(), QStringLiteral("selectedPath"))->text();
 }
 
 QStringList ReviewPage::rows() const
@@ -79,7 +86,7 @@ QStringList ReviewPage::rows() const
 
 QString ReviewPage::error() const
 {
-    const auto *text = find<QPlainTextEdit>(m_window.detail(), QStringLiteral("error"));
+    const auto *text = find<QPlainTextEdit>(m_window->detail(), QStringLiteral("error"));
     return text->isVisible() ? text->toPlainText() : QString();
 }
 
@@ -97,7 +104,7 @@ QStringList ReviewPage::enabledButtons() const
 QList<EmptyState *> ReviewPage::placeholders() const
 {
     QList<EmptyState *> shown;
-    for (EmptyState *state : m_window.detail()->findChildren<EmptyState *>()) {
+    for (EmptyState *state : m_window->detail()->findChildren<EmptyState *>()) {
         if (state->isVisible())
             shown.append(state);
     }

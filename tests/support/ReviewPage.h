@@ -7,6 +7,8 @@
 
 #include <QPlainTextEdit>
 
+#include <memory>
+
 class QMessageBox;
 
 /// The Review tab of the program's window, for a project in a private home.
@@ -14,9 +16,12 @@ class ReviewPage {
 public:
     /// Makes the project's folder, which is no repository yet.
     explicit ReviewPage(const PrivateHome &home);
+    /// Closes the window and waits for what it has begun.
+    ~ReviewPage();
+    Q_DISABLE_COPY_MOVE(ReviewPage)
 
     const QString &folder() const { return m_folder; }
-    Window &window() { return m_window; }
+    Window &window() { return *m_window; }
 
     /// Opens the window on the Review tab and waits until the screen has settled.
     void open();
@@ -25,7 +30,7 @@ public:
 
     QListView *list() const
     {
-        return find<QListView>(m_window.detail(), QStringLiteral("changes"));
+        return find<QListView>(m_window->detail(), QStringLiteral("changes"));
     }
     /// Badge and path of every file, as assistive technology is told.
     QStringList files() const;
@@ -33,11 +38,14 @@ public:
     QString selected() const;
     QString count() const;
     QString path() const;
-    DiffView *diff() const { return find<DiffView>(m_window.detail()); }
+    DiffView *diff() const { return find<DiffView>(m_window->detail()); }
     /// The rows of the diff in words; a note's title when there is a note in its place.
     QStringList rows() const;
     QString error() const;
-    QAbstractButton *button(const QString &text) const { return buttonOf(m_window.detail(), text); }
+    QAbstractButton *button(const QString &text) const
+    {
+        return buttonOf(m_window->detail(), text);
+    }
     QStringList enabledButtons() const;
     /// The placeholders that are to be seen, from left to right.
     QList<EmptyState *> placeholders() const;
@@ -48,5 +56,5 @@ public:
 
 private:
     QString m_folder;
-    Window m_window;
+    std::unique_ptr<Window> m_window;
 };
