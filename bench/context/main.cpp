@@ -6,11 +6,11 @@
 
 #include "context/ContextEditor.h"
 #include "context/ContextView.h"
+#include "support/BenchOptions.h"
 #include "support/Figures.h"
 #include "support/ScratchHome.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
 #include <QKeyEvent>
@@ -180,27 +180,19 @@ int main(int argc, char **argv)
     const ScratchHome home;
     home.enter();
     QApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Measures what a key costs in the editor."));
-    parser.addHelpOption();
-    const QString number = QStringLiteral("number");
-    parser.addOptions({
-        {QStringLiteral("megabytes"), QStringLiteral("Size of the text."), number,
-         QStringLiteral("5")},
-        {QStringLiteral("rounds"), QStringLiteral("Rounds."), number, QStringLiteral("5")},
-        {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-         QStringLiteral("file")},
-    });
-    parser.process(application);
+    BenchOptions options(QStringLiteral("Measures what a key costs in the editor."));
+    options.addNumber(QStringLiteral("megabytes"), QStringLiteral("Size of the text."), 5);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds."), 5);
+    options.process(application);
 
     const QString text =
-        instructions(parser.value(QStringLiteral("megabytes")).toInt() * qsizetype(1'000'000));
+        instructions(int(options.number(QStringLiteral("megabytes"))) * qsizetype(1'000'000));
     const QString project = QDir::homePath() + QStringLiteral("/project");
     ContextView view(Project{project, std::nullopt, true});
     ContextEditor *editor = openText(view, project, text);
     if (!editor)
         return 1;
-    const auto times = runRounds(editor, text, parser.value(QStringLiteral("rounds")).toInt());
+    const auto times = runRounds(editor, text, int(options.number(QStringLiteral("rounds"))));
     if (!times)
         return 1;
     Report report(QStringLiteral("Keys in a text of %1 MB with %2 lines and %3 words")
@@ -210,6 +202,5 @@ int main(int argc, char **argv)
     addFigures(report, QStringLiteral("Context tab"), times->ours, mostMilliseconds);
     addFigures(report, QStringLiteral("bare editor"), times->bare);
     addFigures(report, QStringLiteral("counting all"), times->recounting);
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

@@ -4,12 +4,12 @@
 // time that the interface thread is away from its event loop.
 
 #include "interface/OpenWindow.h"
+#include "support/BenchOptions.h"
 #include "support/ScratchHome.h"
 #include "support/UsageLogs.h"
 #include "usage/BarChart.h"
 
 #include <QAbstractItemView>
-#include <QCommandLineParser>
 #include <QTabWidget>
 
 #include <array>
@@ -62,31 +62,24 @@ int main(int argc, char **argv)
     home.enter();
     BusyProbe::prepare();
     const QApplication application(argc, argv);
-    QCommandLineParser parser;
-    const QString number = QStringLiteral("number");
-    parser.setApplicationDescription(QStringLiteral(
+    BenchOptions options(QStringLiteral(
         "Measures how long changing projects and tabs keeps the interface thread busy."));
-    parser.addHelpOption();
-    parser.addOptions(
-        {{QStringLiteral("projects"), QStringLiteral("Projects."), number, QStringLiteral("10")},
-         {QStringLiteral("sessions"), QStringLiteral("Sessions of each project."), number,
-          QStringLiteral("5000")},
-         {QStringLiteral("records"), QStringLiteral("Records of each session."), number,
-          QStringLiteral("40")},
-         {QStringLiteral("rounds"), QStringLiteral("Rounds."), number, QStringLiteral("5")},
-         {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-          QStringLiteral("file")}});
-    parser.process(application);
-    const UsageLogs logs{.projects = parser.value(QStringLiteral("projects")).toInt(),
-                         .sessions = parser.value(QStringLiteral("sessions")).toInt(),
-                         .records = parser.value(QStringLiteral("records")).toInt()};
+    options.addNumber(QStringLiteral("projects"), QStringLiteral("Projects."), 10);
+    options.addNumber(QStringLiteral("sessions"), QStringLiteral("Sessions of each project."),
+                      5000);
+    options.addNumber(QStringLiteral("records"), QStringLiteral("Records of each session."), 40);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds."), 5);
+    options.process(application);
+    const UsageLogs logs{.projects = int(options.number(QStringLiteral("projects"))),
+                         .sessions = int(options.number(QStringLiteral("sessions"))),
+                         .records = int(options.number(QStringLiteral("records")))};
     if (!BusyProbe::works() || logs.projects < 2 || !logs.write(home.claudeProjects())) {
         std::fprintf(stderr, "the probe or the logs do not work\n");
         return 1;
     }
     OpenWindow open(home.claudeProjects());
     Times times;
-    for (int round = 0; round < parser.value(QStringLiteral("rounds")).toInt(); ++round)
+    for (int round = 0; round < int(options.number(QStringLiteral("rounds"))); ++round)
         measureRound(times, open, (round + 1) % logs.projects);
     Report report(QStringLiteral("Changing projects and tabs, %1 sessions, %2 records, %3")
                       .arg(logs.projects * logs.sessions)
@@ -98,6 +91,5 @@ int main(int argc, char **argv)
     addLongestBusy(report, QStringLiteral("opening Usage"), times.tab[size_t(Tab::Usage)], 50);
     addLongestBusy(report, QStringLiteral("opening Context"), times.tab[size_t(Tab::Context)]);
     addLongestBusy(report, QStringLiteral("back to Sessions"), times.back);
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

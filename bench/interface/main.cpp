@@ -7,6 +7,7 @@
 #include "interface/BusyProbe.h"
 #include "interface/RunUntil.h"
 #include "model/Store.h"
+#include "support/BenchOptions.h"
 #include "support/CorpusOptions.h"
 #include "support/Figures.h"
 #include "support/Memory.h"
@@ -121,21 +122,17 @@ int main(int argc, char **argv)
     home.enter();
     BusyProbe::prepare();
     const QApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
+    BenchOptions options(
         QStringLiteral("Measures how long the interface thread is busy during reloads."));
-    parser.addHelpOption();
-    addCorpusOptions(parser);
-    parser.addOptions({{QStringLiteral("rounds"), QStringLiteral("Reloads after the first one."),
-                        QStringLiteral("number"), QStringLiteral("5")},
-                       {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-                        QStringLiteral("file")}});
-    parser.process(application);
+
+    addCorpusOptions(options);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Reloads after the first one."), 5);
+    options.process(application);
     if (!BusyProbe::works()) {
         std::fprintf(stderr, "the probe does not see the interface thread\n");
         return 1;
     }
-    const corpus::Shape shape = corpusShape(parser);
+    const corpus::Shape shape = corpusShape(options);
     const corpus::Truth truth = corpus::write(home.claudeProjects().toStdString(), shape);
     Report report(QStringLiteral("Interface thread during a reload of %1 MB in %2 logs, %3")
                       .arg(truth.bytes / 1'000'000)
@@ -156,7 +153,7 @@ int main(int argc, char **argv)
     const std::vector<Stretch> first = recordUntilFilled(store, window);
     addMemory(report, idlePeak, store);
     std::vector<std::vector<Stretch>> again;
-    const int rounds = parser.value(QStringLiteral("rounds")).toInt();
+    const int rounds = int(options.number(QStringLiteral("rounds")));
     for (int round = 0; round < rounds; ++round) {
         BusyProbe::start();
         store.reload();
@@ -165,6 +162,5 @@ int main(int argc, char **argv)
     addReloads(report, QStringLiteral("first reload"), {first});
     if (!again.empty())
         addReloads(report, QStringLiteral("later reloads"), again);
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

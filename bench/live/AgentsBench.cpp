@@ -4,10 +4,10 @@
 // interface thread is away from its event loop while the list is brought up to date.
 
 #include "interface/OpenWindow.h"
+#include "support/BenchOptions.h"
 #include "support/ScratchHome.h"
 
 #include <QAbstractItemView>
-#include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
 
@@ -81,18 +81,11 @@ int main(int argc, char **argv)
     home.enter();
     BusyProbe::prepare();
     const QApplication application(argc, argv);
-    QCommandLineParser parser;
-    const QString number = QStringLiteral("number");
-    parser.setApplicationDescription(
-        QStringLiteral("Measures the Live tab with very many agents that run."));
-    parser.addHelpOption();
-    parser.addOptions(
-        {{QStringLiteral("agents"), QStringLiteral("Agents."), number, QStringLiteral("1000")},
-         {QStringLiteral("rounds"), QStringLiteral("Refreshes."), number, QStringLiteral("5")},
-         {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-          QStringLiteral("file")}});
-    parser.process(application);
-    const SleepingAgents agents(parser.value(QStringLiteral("agents")).toInt(), QDir::homePath());
+    BenchOptions options(QStringLiteral("Measures the Live tab with very many agents that run."));
+    options.addNumber(QStringLiteral("agents"), QStringLiteral("Agents."), 1000);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Refreshes."), 5);
+    options.process(application);
+    const SleepingAgents agents(int(options.number(QStringLiteral("agents"))), QDir::homePath());
     if (!BusyProbe::works() || agents.count() == 0) {
         std::fprintf(stderr, "the probe or the agents do not work\n");
         return 1;
@@ -101,12 +94,11 @@ int main(int argc, char **argv)
     OpenWindow open(home.claudeProjects());
     const BusyProbe::Stretch opening = longestBusy(
         [&] { open.show(Tab::Live); }, [&] { return shownAgents(open) >= agents.count(); });
-    const auto refreshes = measureRefreshes(open, parser.value(QStringLiteral("rounds")).toInt());
+    const auto refreshes = measureRefreshes(open, int(options.number(QStringLiteral("rounds"))));
     Report report(QStringLiteral("Live tab with %1 agents that run, %2")
                       .arg(agents.count())
                       .arg(QGuiApplication::platformName()));
     addLongestBusy(report, QStringLiteral("opening the tab"), {opening});
     addLongestBusy(report, QStringLiteral("refresh of all rows"), refreshes);
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

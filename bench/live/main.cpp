@@ -7,11 +7,11 @@
 #include "live/LiveModel.h"
 #include "live/ProcessScanner.h"
 #include "live/StopDelegate.h"
+#include "support/BenchOptions.h"
 #include "support/Figures.h"
 #include "ui/TableView.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QFile>
 #include <QHeaderView>
 
@@ -160,19 +160,13 @@ int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Measures what the Live tab costs."));
-    parser.addHelpOption();
-    parser.addOptions({
-        {QStringLiteral("ps"),
-         QStringLiteral("Lines of \"ps -axo pid=,pcpu=,etime=,command=\" to use."),
-         QStringLiteral("file")},
-        {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-         QStringLiteral("file")},
-    });
-    parser.process(application);
-    const QStringList lines = parser.isSet(QStringLiteral("ps"))
-                                  ? recordedLines(parser.value(QStringLiteral("ps")))
+    BenchOptions options(QStringLiteral("Measures what the Live tab costs."));
+    options.addOption({QStringLiteral("ps"),
+                       QStringLiteral("Lines of \"ps -axo pid=,pcpu=,etime=,command=\" to use."),
+                       QStringLiteral("file")});
+    options.process(application);
+    const QStringList lines = options.isSet(QStringLiteral("ps"))
+                                  ? recordedLines(options.value(QStringLiteral("ps")))
                                   : sampleLines();
     const Series scan = lines.isEmpty() ? Series() : scans(lines);
     if (scan.empty()) {
@@ -186,6 +180,5 @@ int main(int argc, char **argv)
         refreshes(false), mostRefresh);
     add(report, QStringLiteral("the same when one changed places, so that all is painted"),
         refreshes(true));
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

@@ -6,6 +6,7 @@
 
 #include "model/SessionLoader.h"
 #include "reload/OtherReaders.h"
+#include "support/BenchOptions.h"
 #include "support/CorpusOptions.h"
 #include "support/Figures.h"
 #include "support/Memory.h"
@@ -182,30 +183,24 @@ int main(int argc, char **argv)
     if (arguments.size() == 3 && arguments[1] == QStringLiteral("--idle"))
         return reportMemory(arguments[2], false);
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Measures how fast session logs are read."));
-    parser.addHelpOption();
-    addCorpusOptions(parser);
-    const QString number = QStringLiteral("number");
-    parser.addOptions({
-        {QStringLiteral("rounds"), QStringLiteral("Rounds."), number, QStringLiteral("9")},
-        {QStringLiteral("qt-json-rounds"), QStringLiteral("Of these, with QJsonDocument."), number,
-         QStringLiteral("3")},
-        {QStringLiteral("target"),
-         QStringLiteral("How many times a plain read the reload may take; 0 for no target."),
-         number, QStringLiteral("5")},
-        {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-         QStringLiteral("file")},
-    });
-    parser.process(application);
+    BenchOptions options(QStringLiteral("Measures how fast session logs are read."));
+
+    addCorpusOptions(options);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds."), 9);
+    options.addNumber(QStringLiteral("qt-json-rounds"),
+                      QStringLiteral("Of these, with QJsonDocument."), 3);
+    options.addNumber(
+        QStringLiteral("target"),
+        QStringLiteral("How many times a plain read the reload may take; 0 for no target."), 5);
+    options.process(application);
 
     const ScratchHome home;
     home.enter();
-    const corpus::Shape shape = corpusShape(parser);
+    const corpus::Shape shape = corpusShape(options);
     const corpus::Truth truth = corpus::write(home.claudeProjects().toStdString(), shape);
     const auto times =
-        runRounds(home.claudeProjects(), truth, parser.value(QStringLiteral("rounds")).toInt(),
-                  parser.value(QStringLiteral("qt-json-rounds")).toInt());
+        runRounds(home.claudeProjects(), truth, int(options.number(QStringLiteral("rounds"))),
+                  int(options.number(QStringLiteral("qt-json-rounds"))));
     Report report(QStringLiteral("Reload of %1 MB in %2 logs on %3 threads, lines of up to %4 "
                                  "bytes, %5 % of the text CJK")
                       .arg(truth.bytes / 1'000'000)
@@ -216,10 +211,9 @@ int main(int argc, char **argv)
     report.addDetail(QStringLiteral("corpus"), toJson(shape));
     if (!times)
         return 1;
-    const double target = parser.value(QStringLiteral("target")).toDouble();
+    const double target = double(options.number(QStringLiteral("target")));
     addTimes(report, *times, truth.bytes, target > 0 ? std::optional(target) : std::nullopt);
     if (!addMemory(report, home.claudeProjects()))
         return 1;
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

@@ -7,10 +7,10 @@
 #include "app/Environment.h"
 #include "interface/OpenWindow.h"
 #include "review/ScratchRepository.h"
+#include "support/BenchOptions.h"
 #include "support/ScratchHome.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QListView>
@@ -150,22 +150,15 @@ int main(int argc, char **argv)
     prepareEnvironment();
     BusyProbe::prepare();
     const QApplication application(argc, argv);
-    QCommandLineParser parser;
-    const QString number = QStringLiteral("number");
-    parser.setApplicationDescription(
-        QStringLiteral("Measures the Review tab with very many changed files."));
-    parser.addHelpOption();
-    parser.addOptions(
-        {{QStringLiteral("files"), QStringLiteral("Files."), number, QStringLiteral("100000")},
-         {QStringLiteral("rounds"), QStringLiteral("Rounds."), number, QStringLiteral("5")},
-         {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-          QStringLiteral("file")}});
-    parser.process(application);
+    BenchOptions options(QStringLiteral("Measures the Review tab with very many changed files."));
+    options.addNumber(QStringLiteral("files"), QStringLiteral("Files."), 100000);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds."), 5);
+    options.process(application);
     if (!BusyProbe::works()) {
         std::fprintf(stderr, "the probe does not see the interface thread\n");
         return 1;
     }
-    const int files = parser.value(QStringLiteral("files")).toInt();
+    const int files = int(options.number(QStringLiteral("files")));
     const ScratchRepository repository(QDir::homePath() + QStringLiteral("/project"));
     if (!makeRepository(repository, files)) {
         std::fprintf(stderr, "the repository could not be made\n");
@@ -174,7 +167,7 @@ int main(int argc, char **argv)
     Store(home.claudeProjects()).addProject(repository.folder());
     statusSeconds(repository); // so that the cache is warm
     AllTimes times;
-    for (int round = 0; round < parser.value(QStringLiteral("rounds")).toInt(); ++round)
+    for (int round = 0; round < int(options.number(QStringLiteral("rounds"))); ++round)
         measureRound(times, home, repository, files);
     Report report(QStringLiteral("Review tab with %1 changed files, %2")
                       .arg(files)
@@ -183,6 +176,5 @@ int main(int argc, char **argv)
     addFigures(report, QStringLiteral("refresh, a file less"), times.fewer);
     addFigures(report, QStringLiteral("refresh, a file more"), times.more);
     addFigures(report, QStringLiteral("refresh, a file moved"), times.moved);
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

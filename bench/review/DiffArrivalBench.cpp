@@ -8,9 +8,9 @@
 #include "interface/OpenWindow.h"
 #include "review/DiffView.h"
 #include "review/ScratchRepository.h"
+#include "support/BenchOptions.h"
 #include "support/ScratchHome.h"
 
-#include <QCommandLineParser>
 #include <QDir>
 #include <QKeyEvent>
 #include <QListView>
@@ -106,18 +106,12 @@ int main(int argc, char **argv)
     prepareEnvironment();
     BusyProbe::prepare();
     const QApplication application(argc, argv);
-    QCommandLineParser parser;
-    const QString number = QStringLiteral("number");
-    parser.setApplicationDescription(
+    BenchOptions options(
         QStringLiteral("Measures a large diff in the Review tab, from git to the screen."));
-    parser.addHelpOption();
-    parser.addOptions(
-        {{QStringLiteral("rows"), QStringLiteral("Rows."), number, QStringLiteral("600000")},
-         {QStringLiteral("rounds"), QStringLiteral("Rounds."), number, QStringLiteral("5")},
-         {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-          QStringLiteral("file")}});
-    parser.process(application);
-    const int rows = parser.value(QStringLiteral("rows")).toInt();
+    options.addNumber(QStringLiteral("rows"), QStringLiteral("Rows."), 600000);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds."), 5);
+    options.process(application);
+    const int rows = int(options.number(QStringLiteral("rows")));
     const ScratchRepository repository(QDir::homePath() + QStringLiteral("/project"));
     if (!BusyProbe::works() || !makeRepository(repository, rows)) {
         std::fprintf(stderr, "the probe or the repository does not work\n");
@@ -133,7 +127,7 @@ int main(int argc, char **argv)
     selectFile(open, 1); // away from the first one, which was selected by itself
     runUntil([&open] { return shownRows(open) > 0 && shownRows(open) < 9; });
     Times times;
-    for (int round = 0; round < parser.value(QStringLiteral("rounds")).toInt(); ++round)
+    for (int round = 0; round < int(options.number(QStringLiteral("rounds"))); ++round)
         measureRound(times, open, rows);
     Report report(QStringLiteral("Diff of %1 rows from git, %2")
                       .arg(rows)
@@ -142,6 +136,5 @@ int main(int argc, char **argv)
     addLongestBusy(report, QStringLiteral("page by page"), times.pages);
     addLongestBusy(report, QStringLiteral("dragged through the whole"), times.jumps);
     addLongestBusy(report, QStringLiteral("to another file"), times.leaving);
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

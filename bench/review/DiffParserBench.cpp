@@ -3,9 +3,9 @@
 // How long the rows of a large diff take, compared with nothing but splitting its text into lines.
 
 #include "review/DiffParser.h"
+#include "support/BenchOptions.h"
 #include "support/Figures.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 
 #include <cstdio>
@@ -37,18 +37,11 @@ QString diffOfLines(qsizetype lines)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Measures how fast diffs are parsed."));
-    parser.addHelpOption();
-    const QString number = QStringLiteral("number");
-    parser.addOptions({
-        {QStringLiteral("lines"), QStringLiteral("Lines."), number, QStringLiteral("1000000")},
-        {QStringLiteral("rounds"), QStringLiteral("Rounds."), number, QStringLiteral("9")},
-        {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-         QStringLiteral("file")},
-    });
-    parser.process(application);
-    const QString text = diffOfLines(parser.value(QStringLiteral("lines")).toLongLong());
+    BenchOptions options(QStringLiteral("Measures how fast diffs are parsed."));
+    options.addNumber(QStringLiteral("lines"), QStringLiteral("Lines."), 1000000);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds."), 9);
+    options.process(application);
+    const QString text = diffOfLines(options.number(QStringLiteral("lines")));
     const QString half = text.left(text.indexOf(u'\n', text.size() / 2) + 1);
 
     Series parsing;
@@ -57,7 +50,7 @@ int main(int argc, char **argv)
     Series splittingViews;
     qsizetype lines = 0;
     qsizetype rows = 0;
-    for (int round = 0; round < parser.value(QStringLiteral("rounds")).toInt(); ++round) {
+    for (int round = 0; round < int(options.number(QStringLiteral("rounds"))); ++round) {
         // What is made is also freed in the measured time.
         splitting.push_back(elapsed([&] { lines = text.split(u'\n').size(); }).cpu);
         splittingViews.push_back(elapsed([&] { (void)QStringView(text).split(u'\n'); }).cpu);
@@ -82,6 +75,5 @@ int main(int argc, char **argv)
     report.add(ratio(parse, parsing, QStringLiteral("parse of half the text"), parsingHalf));
     report.addDetail(QStringLiteral("lines"), lines);
     report.addDetail(QStringLiteral("rows"), rows);
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

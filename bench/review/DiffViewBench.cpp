@@ -2,10 +2,10 @@
 #include "review/DiffParser.h"
 #include "review/DiffView.h"
 #include "review/SampleDiffs.h"
+#include "support/BenchOptions.h"
 #include "support/Figures.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QScrollBar>
 
 #include <cstdio>
@@ -101,21 +101,15 @@ void measure(Report &report, DiffView &view, const Sample &sample, int rounds)
 int main(int argc, char **argv)
 {
     const QApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Measures how long a diff takes to paint."));
-    parser.addHelpOption();
-    parser.addOptions({{QStringLiteral("rows"), QStringLiteral("Rows of the large diffs."),
-                        QStringLiteral("number"), QStringLiteral("600000")},
-                       {QStringLiteral("line"), QStringLiteral("Characters of the long lines."),
-                        QStringLiteral("number"), QStringLiteral("2000000")},
-                       {QStringLiteral("rounds"), QStringLiteral("First paints."),
-                        QStringLiteral("number"), QStringLiteral("10")},
-                       {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-                        QStringLiteral("file")}});
-    parser.process(application);
-    const qsizetype rows = parser.value(QStringLiteral("rows")).toLongLong();
-    const qsizetype line = parser.value(QStringLiteral("line")).toLongLong();
-    const int rounds = parser.value(QStringLiteral("rounds")).toInt();
+    BenchOptions options(QStringLiteral("Measures how long a diff takes to paint."));
+    options.addNumber(QStringLiteral("rows"), QStringLiteral("Rows of the large diffs."), 600000);
+    options.addNumber(QStringLiteral("line"), QStringLiteral("Characters of the long lines."),
+                      2000000);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("First paints."), 10);
+    options.process(application);
+    const qsizetype rows = options.number(QStringLiteral("rows"));
+    const qsizetype line = options.number(QStringLiteral("line"));
+    const int rounds = int(options.number(QStringLiteral("rounds")));
 
     Report report(
         QStringLiteral("Diff view of 1200 x 900, %1").arg(QGuiApplication::platformName()));
@@ -132,6 +126,5 @@ int main(int argc, char **argv)
                 {QStringLiteral("long line, %1").arg(name), SampleDiffs::longLine(line, script)},
                 rounds);
     }
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

@@ -4,10 +4,10 @@
 // window, in turn.
 
 #include "corpus/Corpus.h"
+#include "support/BenchOptions.h"
 #include "support/Figures.h"
 #include "support/ScratchHome.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QProcess>
 
@@ -136,17 +136,12 @@ void addIndependence(Report &report, const std::vector<Setting> &settings)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Measures the time to the first painting."));
-    parser.addHelpOption();
-    parser.addOptions({{QStringLiteral("rounds"), QStringLiteral("Rounds."),
-                        QStringLiteral("number"), QStringLiteral("20")},
-                       {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-                        QStringLiteral("file")}});
-    parser.process(application);
+    BenchOptions options(QStringLiteral("Measures the time to the first painting."));
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds."), 20);
+    options.process(application);
 
     std::vector<Setting> settings = makeSettings();
-    const int rounds = parser.value(QStringLiteral("rounds")).toInt();
+    const int rounds = int(options.number(QStringLiteral("rounds")));
     for (int round = 0; round < rounds; ++round) {
         if (!runRound(settings))
             return 1;
@@ -155,6 +150,5 @@ int main(int argc, char **argv)
     for (const Setting &setting : settings)
         addFigures(report, setting);
     addIndependence(report, settings);
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }

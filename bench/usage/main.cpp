@@ -5,6 +5,7 @@
 // how long the figures take.
 
 #include "interface/OpenWindow.h"
+#include "support/BenchOptions.h"
 #include "support/ScratchHome.h"
 #include "support/UsageLogs.h"
 #include "ui/SegmentedSwitch.h"
@@ -12,7 +13,6 @@
 #include "usage/Usage.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 
 #include <cstdio>
 
@@ -88,25 +88,19 @@ int main(int argc, char **argv)
     home.enter();
     BusyProbe::prepare();
     const QApplication application(argc, argv);
-    QCommandLineParser parser;
-    const QString number = QStringLiteral("number");
-    parser.setApplicationDescription(
+    BenchOptions options(
         QStringLiteral("Measures how long the Usage tab keeps the interface thread busy."));
-    parser.addHelpOption();
-    parser.addOptions(
-        {{QStringLiteral("records"), QStringLiteral("Records."), number, QStringLiteral("2000000")},
-         {QStringLiteral("projects"), QStringLiteral("Projects."), number, QStringLiteral("500")},
-         {QStringLiteral("rounds"), QStringLiteral("Rounds."), number, QStringLiteral("5")},
-         {QStringLiteral("json"), QStringLiteral("Where to write the figures."),
-          QStringLiteral("file")}});
-    parser.process(application);
+    options.addNumber(QStringLiteral("records"), QStringLiteral("Records."), 2000000);
+    options.addNumber(QStringLiteral("projects"), QStringLiteral("Projects."), 500);
+    options.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds."), 5);
+    options.process(application);
     if (!BusyProbe::works()) {
         std::fprintf(stderr, "the probe does not see the interface thread\n");
         return 1;
     }
-    const int projects = parser.value(QStringLiteral("projects")).toInt();
-    const int records = parser.value(QStringLiteral("records")).toInt();
-    const int rounds = parser.value(QStringLiteral("rounds")).toInt();
+    const int projects = int(options.number(QStringLiteral("projects")));
+    const int records = int(options.number(QStringLiteral("records")));
+    const int rounds = int(options.number(QStringLiteral("rounds")));
     if (rounds < 1 || projects < rounds || records < projects ||
         !UsageLogs{projects, 1, records / projects}.write(home.claudeProjects())) {
         std::fprintf(stderr, "the logs could not be made\n");
@@ -124,6 +118,5 @@ int main(int argc, char **argv)
     addLongestBusy(report, QStringLiteral("changing the scope"), times.scope, mostMilliseconds);
     addLongestBusy(report, QStringLiteral("changing prices"), times.prices, mostMilliseconds);
     addFigures(report, open.store(), rounds);
-    report.print();
-    return report.writeJson(parser.value(QStringLiteral("json"))) ? 0 : 1;
+    return options.finish(report);
 }
