@@ -4,9 +4,12 @@
 #include <QFile>
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -45,6 +48,30 @@ bool isRegular(const FileDescriptor &file)
 {
     struct stat info = {};
     return file.isOpen() && ::fstat(file.get(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
+/// Waits until no other window writes the file, or reads it when this one writes. That takes much
+/// less than a millisecond: who keeps the file longer is no window of ours and not waited for.
+void takeTurn(const FileDescriptor &file, int operation)
+{
+    for (int tries = 0; tries < 100; ++tries) {
+        if (::flock(file.get(), operation | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+            return;
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+}
+
+/// Whether so many bytes can be written to the file, as far as the system knows beforehand.
+bool makeRoom(const FileDescriptor &file, qint64 size)
+{
+    const qint64 before = sizeOf(file);
+    if (size <= before)
+        return true;
+    const int error = ::posix_fallocate(file.get(), before, size - before);
+    if (error != ENOSPC && error != EDQUOT && error != EFBIG)
+        return true; // or the file system cannot tell
+    (void)!::ftruncate(file.get(), before);
+    return false;
 }
 
 } // namespace
@@ -95,6 +122,7 @@ qint64 readSomeAt(const FileDescriptor &file, qint64 place, char *to, qint64 mos
 std::optional<QByteArray> readSmallFile(const QString &path, qint64 limit)
 {
     const FileDescriptor file = openRegularFile(QFile::encodeName(path).constData());
+    takeTurn(file, LOCK_SH);
     struct stat info = {};
     if (!file.isOpen() || ::fstat(file.get(), &info) != 0 || info.st_size > limit)
         return std::nullopt;
@@ -114,7 +142,10 @@ bool writeInPlace(const QString &path, const QByteArray &bytes)
 {
     const FileDescriptor file(::open(QFile::encodeName(path).constData(),
                                      O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666));
-    if (!isRegular(file) || ::ftruncate(file.get(), 0) != 0)
+    if (!isRegular(file))
+        return false;
+    takeTurn(file, LOCK_EX);
+    if (!makeRoom(file, bytes.size()))
         return false;
     qsizetype done = 0;
     while (done < bytes.size()) {
@@ -126,5 +157,5 @@ bool writeInPlace(const QString &path, const QByteArray &bytes)
             return false;
         done += count;
     }
-    return true;
+    return ::ftruncate(file.get(), bytes.size()) == 0;
 }

@@ -47,8 +47,9 @@ qint64 readSome(const FileDescriptor &file, char *to, qint64 most);
 qint64 readSomeAt(const FileDescriptor &file, qint64 place, char *to, qint64 most);
 
 /// The whole of a small regular file; nothing when it cannot be read or is larger than `limit`.
+/// Never the half of what another window is just writing with writeInPlace().
 std::optional<QByteArray> readSmallFile(const QString &path, qint64 limit);
 
 /// Replaces a regular file's content in place, making the file if it is missing. False when that
-/// fails; what was written until then stays.
+/// fails: for want of room the old content stays, otherwise what was written until then.
 bool writeInPlace(const QString &path, const QByteArray &bytes);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "context/InstructionFile.h"
 
+#include "support/LargestFile.h"
 #include "support/SpecialFiles.h"
 #include "support/TestMain.h"
 
@@ -59,27 +60,6 @@ QByteArray listWithAFurtherReader()
     return QByteArray(reinterpret_cast<const char *>(&version), sizeof version) +
            QByteArray(reinterpret_cast<const char *>(entries.data()), sizeof entries);
 }
-
-/// While it lives, no file can grow beyond that size: a disk that is full.
-class LargestFile {
-public:
-    explicit LargestFile(rlim_t bytes)
-    {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit now{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &now);
-    }
-    ~LargestFile()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    rlimit m_before = {};
-    void (*m_handler)(int) = SIG_DFL;
-};
 
 } // namespace
 

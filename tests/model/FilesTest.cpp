@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "model/Files.h"
 
+#include "support/LargestFile.h"
 #include "support/SpecialFiles.h"
 #include "support/TestMain.h"
 
@@ -12,7 +13,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -72,6 +75,9 @@ private Q_SLOTS:
     void disturbsNoReaderOfAFifo();
     void writeFailsWithoutTheFolder();
     void writeFailsWithoutPermission();
+    void aFullDiskLeavesTheOldContent();
+    void twoProgramsTakeTurns();
+    void aLockThatIsNeverGivenBackStopsNobody();
 
 private:
     QString path(const QString &name) const { return m_home->path(name); }
@@ -298,6 +304,60 @@ void FilesTest::writeFailsWithoutPermission()
         QVERIFY(!writeInPlace(path(u"file"_qs), "content"));
     }
     QCOMPARE(readFile(path(u"file"_qs)), QByteArray("text"));
+}
+
+void FilesTest::aFullDiskLeavesTheOldContent()
+{
+    const QByteArray old(3000, 'o');
+    writeFile(path(u"file"_qs), old);
+    {
+        const LargestFile limit(4096);
+        QVERIFY(!writeInPlace(path(u"file"_qs), QByteArray(100'000, 'n')));
+        QVERIFY(!writeInPlace(path(u"new"_qs), QByteArray(100'000, 'n')));
+    }
+    QCOMPARE(readFile(path(u"file"_qs)), old);
+    QCOMPARE(readFile(path(u"new"_qs)), QByteArray());
+}
+
+void FilesTest::twoProgramsTakeTurns()
+{
+    const QString file = path(u"file"_qs);
+    const QByteArray texts[] = {QByteArray(30'000, 'a'), QByteArray(90'000, 'b')};
+    writeFile(file, texts[0]);
+    pid_t writers[2] = {};
+    for (int i = 0; i < 2; ++i) {
+        writers[i] = ::fork();
+        if (writers[i] == 0) {
+            while (::getppid() != 1)
+                writeInPlace(file, texts[i]);
+            ::_exit(0);
+        }
+    }
+    int whole = 0;
+    bool seen[2] = {};
+    for (int round = 0; round < 3000; ++round) {
+        const std::optional<QByteArray> text = readSmallFile(file, 1'000'000);
+        for (int i = 0; i < 2; ++i) {
+            seen[i] |= text == texts[i];
+            whole += text == texts[i];
+        }
+    }
+    for (const pid_t writer : writers) {
+        ::kill(writer, SIGKILL);
+        ::waitpid(writer, nullptr, 0);
+    }
+    QCOMPARE(whole, 3000);
+    QVERIFY(seen[0] && seen[1]);
+}
+
+void FilesTest::aLockThatIsNeverGivenBackStopsNobody()
+{
+    writeFile(path(u"file"_qs), "old");
+    const FileDescriptor other = openRegularFile(encoded(path(u"file"_qs)).constData());
+    QCOMPARE(::flock(other.get(), LOCK_EX), 0);
+    QCOMPARE(readSmallFile(path(u"file"_qs), 100), QByteArray("old"));
+    QVERIFY(writeInPlace(path(u"file"_qs), "new"));
+    QCOMPARE(readFile(path(u"file"_qs)), QByteArray("new"));
 }
 
 PLINTHAR_TEST_MAIN(FilesTest)
