@@ -52,6 +52,9 @@ private Q_SLOTS:
     void badPricesYieldTheDefaults();
     void specialFileNamedPricesYieldsTheDefaults_data();
     void specialFileNamedPricesYieldsTheDefaults();
+    void filesThatMayNotBeReadAreIgnored();
+    void hugeFilesAreIgnored_data();
+    void hugeFilesAreIgnored();
     void goodPricesAreRead();
     void savedPricesAreReadBack();
     void pricesAreWrittenCompactly();
@@ -170,6 +173,41 @@ void PriceStoreTest::specialFileNamedPricesYieldsTheDefaults()
     makeSpecialFiles(m_home->support(), QString());
     QVERIFY(QFile::rename(m_home->support(name), pricesFile()));
     QVERIFY(PriceStore::loadPrices() == PriceStore::defaults());
+}
+
+void PriceStoreTest::filesThatMayNotBeReadAreIgnored()
+{
+    PriceStore::savePrices({row(u"a"_qs)});
+    PriceStore::saveAdded({u"/a"_qs});
+    for (const QString &file : {pricesFile(), projectsFile()})
+        QVERIFY(QFile::setPermissions(file, {}));
+    QVERIFY(QFile::setPermissions(m_home->path(), QFile::Permissions(0x7755)));
+    const Unprivileged unprivileged;
+    QVERIFY(PriceStore::loadPrices() == PriceStore::defaults());
+    QVERIFY(PriceStore::loadAdded().isEmpty());
+    PriceStore::savePrices({row(u"b"_qs)});
+    PriceStore::saveAdded({u"/b"_qs});
+}
+
+void PriceStoreTest::hugeFilesAreIgnored_data()
+{
+    constexpr qsizetype size = 100 << 20;
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("garbage") << QByteArray("\x07\xff{\"[").repeated(size / 5);
+    QTest::newRow("what may be a table as far as one can see") << "[" + QByteArray(size, ' ') + "]";
+    QTest::newRow("depth") << QByteArray(size, '[');
+}
+
+void PriceStoreTest::hugeFilesAreIgnored()
+{
+    QFETCH(QByteArray, content);
+    for (const QString &file : {pricesFile(), projectsFile()})
+        writeFile(file, content);
+    QVERIFY(PriceStore::loadPrices() == PriceStore::defaults());
+    QVERIFY(PriceStore::loadAdded().isEmpty());
+    PriceStore::saveAdded({u"/a"_qs});
+    QCOMPARE(PriceStore::loadAdded(), QStringList(u"/a"_qs));
+    QCOMPARE(QFileInfo(pricesFile()).size(), content.size());
 }
 
 void PriceStoreTest::goodPricesAreRead()

@@ -12,7 +12,11 @@
 #include <QThread>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <cstdarg>
+#include <dirent.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <thread>
@@ -55,13 +59,49 @@ private:
     std::vector<FileDescriptor> m_taken;
 };
 
+/// How many more files and folders can be opened until one of them cannot; none fails below zero.
+std::atomic<int> openingsLeft = -1;
+
+/// Whether an opening fails since the whole system has no file left to open.
+bool failsToOpen()
+{
+    if (openingsLeft < 0 || openingsLeft.fetch_sub(1) != 0)
+        return false;
+    errno = ENFILE;
+    return true;
+}
+
 } // namespace
+
+// These stand before the system's own for the whole of this program.
+extern "C" int open(const char *path, int flags, ...)
+{
+    if (failsToOpen())
+        return -1;
+    static const auto next =
+        reinterpret_cast<int (*)(const char *, int, ...)>(::dlsym(RTLD_NEXT, "open"));
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return next(path, flags, mode);
+}
+
+extern "C" DIR *opendir(const char *path)
+{
+    if (failsToOpen())
+        return nullptr;
+    static const auto next =
+        reinterpret_cast<DIR *(*)(const char *)>(::dlsym(RTLD_NEXT, "opendir"));
+    return next(path);
+}
 
 class ReloadFaultsTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void needsFewDescriptors();
     void endsWithoutDescriptors();
+    void oneFileThatCannotBeOpenedIsAllThatIsMissing();
     void countsEveryLineThatWasThereWhileLogsChange();
 
 private:
@@ -105,6 +145,26 @@ void ReloadFaultsTest::endsWithoutDescriptors()
         const FewDescriptors none(0);
         QCOMPARE(sessionsIn(home), 0);
     }
+    QCOMPARE(sessionsIn(home), projectCount * logsPerProject);
+}
+
+void ReloadFaultsTest::oneFileThatCannotBeOpenedIsAllThatIsMissing()
+{
+    const PrivateHome home;
+    writeLogs(home);
+    int failed = 0;
+    for (int number = 0;; ++number) {
+        openingsLeft = number;
+        const qsizetype found = sessionsIn(home);
+        const bool hasFailed = openingsLeft.exchange(-1) < 0;
+        if (!hasFailed) // there are fewer openings than that
+            break;
+        ++failed;
+        // Without the folder of all logs there is nothing; otherwise a project or a log is missing.
+        QVERIFY2(number == 0 ? found == 0 : found >= (projectCount - 1) * logsPerProject,
+                 qPrintable(u"%1 of opening %2"_qs.arg(found).arg(number)));
+    }
+    QVERIFY(failed > projectCount * logsPerProject);
     QCOMPARE(sessionsIn(home), projectCount * logsPerProject);
 }
 
