@@ -41,8 +41,8 @@ QColor selectionColor(const QPalette &palette, bool focused)
 
 char32_t firstCharacter(QStringView text)
 {
-    return text.size() > 1 && text[0].isHighSurrogate() ? QChar::surrogateToUcs4(text[0], text[1])
-                                                        : text[0].unicode();
+    const bool isPair = text.size() > 1 && text[0].isHighSurrogate() && text[1].isLowSurrogate();
+    return isPair ? QChar::surrogateToUcs4(text[0], text[1]) : text[0].unicode();
 }
 
 } // namespace

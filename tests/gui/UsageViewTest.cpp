@@ -558,9 +558,9 @@ private Q_SLOTS:
         const QDate today = QDateTime::fromMSecsSinceEpoch(
                                 std::chrono::milliseconds(day.time_since_epoch()).count(), Qt::UTC)
                                 .date();
+        QTRY_COMPARE(chart->contents().bars.size(), 30);
         QTRY_COMPARE(chart->contents().bars.constLast().name,
                      QLocale().toString(today, QLocale::LongFormat));
-        QCOMPARE(chart->contents().bars.size(), 30);
         QCOMPARE(chart->contents().bars[28].value, 1000.0);
     }
 
