@@ -27,9 +27,9 @@ namespace {
 /// In the environment of a test that has been started again on a disk of its own.
 const char ownDisk[] = "PLINTHAR_TEST_DISK";
 
-/// Starts this test's function once more as the root of a namespace in which TMPDIR is a small
+/// Starts one case of this test once more as the root of a namespace in which TMPDIR is a small
 /// disk of its own.
-int runOnOwnDisk(const QString &function)
+int runOnOwnDisk(const QString &testCase)
 {
     const QTemporaryDir disk;
     QProcess test;
@@ -41,7 +41,7 @@ int runOnOwnDisk(const QString &function)
     test.start(u"unshare"_qs,
                {u"--map-root-user"_qs, u"--mount"_qs, u"sh"_qs, u"-c"_qs,
                 u"mount -t tmpfs -o size=2m none \"$TMPDIR\" && exec \"$0\" \"$1\""_qs,
-                QCoreApplication::applicationFilePath(), function});
+                QCoreApplication::applicationFilePath(), testCase});
     test.waitForFinished(-1);
     return test.exitStatus() == QProcess::NormalExit ? test.exitCode() : -1;
 }
@@ -91,8 +91,8 @@ private Q_SLOTS:
     void withoutAHomeTheWindowIsEmpty_data();
     void withoutAHomeTheWindowIsEmpty();
     void aHomeThatIsNotToBeWritten();
-    void aReadOnlyFileSystem();
-    void aFullDisk();
+    void aDiskThatTakesNothing_data();
+    void aDiskThatTakesNothing();
 
 private:
     void fillHome() const;
@@ -226,30 +226,29 @@ void HomeFaultsTest::aHomeThatIsNotToBeWritten()
     useHome(u"Permission denied"_qs);
 }
 
-void HomeFaultsTest::aReadOnlyFileSystem()
+void HomeFaultsTest::aDiskThatTakesNothing_data()
 {
-    if (qEnvironmentVariableIsEmpty(ownDisk)) {
-        if (!canHaveOwnDisk())
-            QSKIP("This system lets nobody mount a disk of their own.");
-        QCOMPARE(runOnOwnDisk(QString::fromLatin1(QTest::currentTestFunction())), 0);
-        return;
-    }
-    fillHome();
-    makeReadOnly();
-    useHome(u"Read-only file system"_qs);
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("read-only") << u"Read-only file system"_qs;
+    QTest::newRow("full") << u"No space left on device"_qs;
 }
 
-void HomeFaultsTest::aFullDisk()
+void HomeFaultsTest::aDiskThatTakesNothing()
 {
+    QFETCH(QString, reason);
+    const QString row = QString::fromLatin1(QTest::currentDataTag());
     if (qEnvironmentVariableIsEmpty(ownDisk)) {
         if (!canHaveOwnDisk())
             QSKIP("This system lets nobody mount a disk of their own.");
-        QCOMPARE(runOnOwnDisk(QString::fromLatin1(QTest::currentTestFunction())), 0);
+        QCOMPARE(runOnOwnDisk(u"aDiskThatTakesNothing:"_qs + row), 0);
         return;
     }
     fillHome();
-    fill();
-    useHome(u"No space left on device"_qs);
+    if (row == u"full")
+        fill();
+    else
+        makeReadOnly();
+    useHome(reason);
 }
 
 PLINTHAR_WINDOW_TEST_MAIN(HomeFaultsTest)
