@@ -3,6 +3,8 @@
 
 #include "support/GuiTestMain.h"
 
+#include <QSettings>
+
 /// A desktop that has nothing to offer: no session bus, no dialogs of its own, and one time zone.
 class BareDesktop {
 public:
@@ -11,6 +13,9 @@ public:
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
         qputenv("TZ", "UTC");
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        // Qt's own choosers remember where they were, in the home of the first test otherwise.
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                           qEnvironmentVariable("XDG_CONFIG_HOME"));
     }
 };
 
