@@ -71,13 +71,12 @@ QString withoutLaterHeaders(const QString &text)
 
 /// A diff as git makes it of these arguments. Configured as the user likes it; only when that
 /// cannot be read, without any of it.
-QString readableDiff(const QString &projectPath, const QStringList &arguments,
-                     const std::stop_token &stop)
+ShellResult readableDiff(const QString &projectPath, const QStringList &arguments,
+                         const std::stop_token &stop)
 {
-    const QString text =
-        runGit(projectPath, QStringList{QStringLiteral("diff")} + arguments, stop).out;
-    if (text.isEmpty() || isBinaryNote(text) || isPlainDiff(text))
-        return text;
+    ShellResult diff = runGit(projectPath, QStringList{QStringLiteral("diff")} + arguments, stop);
+    if (diff.out.isEmpty() || diff.isCut || isBinaryNote(diff.out) || isPlainDiff(diff.out))
+        return diff;
     const QStringList plain{QStringLiteral("-c"),
                             QStringLiteral("diff.suppressBlankEmpty=false"),
                             QStringLiteral("diff"),
@@ -85,11 +84,11 @@ QString readableDiff(const QString &projectPath, const QStringList &arguments,
                             QStringLiteral("--no-ext-diff"),
                             QStringLiteral("--no-textconv"),
                             QStringLiteral("--submodule=short")};
-    return runGit(projectPath, plain + arguments, stop).out;
+    return runGit(projectPath, plain + arguments, stop);
 }
 
-QString untrackedDiff(const QString &projectPath, const GitTarget &target, const QString &path,
-                      const std::stop_token &stop)
+ShellResult untrackedDiff(const QString &projectPath, const GitTarget &target, const QString &path,
+                          const std::stop_token &stop)
 {
     const QString there = target.top + path;
     if (path.endsWith(u'/') || isRealFolder(there))
@@ -106,23 +105,21 @@ QString untrackedDiff(const QString &projectPath, const GitTarget &target, const
     return diff(empty.path());
 }
 
-QString trackedDiff(const QString &projectPath, const GitTarget &target, const QString &path,
-                    bool hasHead, const std::stop_token &stop)
+ShellResult trackedDiff(const QString &projectPath, const GitTarget &target, const QString &path,
+                        bool hasHead, const std::stop_token &stop)
 {
     QStringList arguments{hasHead ? QStringLiteral("HEAD") : QStringLiteral("--cached"),
                           QStringLiteral("--"), target.pathspec};
     if (!path.startsWith(target.prefix)) // with diff.relative there would be nothing to see
         arguments.prepend(QStringLiteral("--no-relative"));
-    const QString text = readableDiff(projectPath, arguments, stop);
-    if (!isAboutOtherFiles(text))
-        return text;
+    ShellResult diff = readableDiff(projectPath, arguments, stop);
+    if (!isAboutOtherFiles(diff.out))
+        return diff;
     return readableDiff(projectPath, arguments + QStringList{GitPath::nothingBelow(path)}, stop);
 }
 
-} // namespace
-
-QString diffText(const QString &projectPath, const GitFile &file, bool hasHead,
-                 const std::stop_token &stop)
+ShellResult diffOf(const QString &projectPath, const GitFile &file, bool hasHead,
+                   const std::stop_token &stop)
 {
     const GitTarget target = findTarget(projectPath, file.path, stop);
     if (!target.error.isEmpty())
@@ -130,6 +127,14 @@ QString diffText(const QString &projectPath, const GitFile &file, bool hasHead,
     if (file.isUntracked())
         return untrackedDiff(projectPath, target, file.path, stop);
     return trackedDiff(projectPath, target, file.path, hasHead, stop);
+}
+
+} // namespace
+
+QString diffText(const QString &projectPath, const GitFile &file, bool hasHead,
+                 const std::stop_token &stop)
+{
+    return diffOf(projectPath, file, hasHead, stop).out;
 }
 
 LoadedDiff readDiff(const QString &text)
@@ -144,8 +149,10 @@ LoadedDiff loadDiff(const QString &projectPath, const std::optional<GitFile> &fi
 {
     if (!file)
         return {};
-    const QString text = diffText(projectPath, *file, hasHead, stop);
+    const ShellResult diff = diffOf(projectPath, *file, hasHead, stop);
     if (stop.stop_requested())
         return {};
-    return readDiff(text);
+    if (diff.isCut)
+        return {{}, QStringLiteral("This diff is larger than 64 MB")};
+    return readDiff(diff.out);
 }

@@ -98,8 +98,10 @@ GitSnapshot gitStatusSnapshot(const QString &projectPath, const std::stop_token 
     const ShellResult head =
         git({QStringLiteral("rev-parse"), QStringLiteral("--verify"), QStringLiteral("HEAD")});
     snapshot.hasHead = head.status == 0;
-    const ShellResult status = git({QStringLiteral("status"), QStringLiteral("--porcelain=v1"),
-                                    QStringLiteral("-z"), QStringLiteral("-uall")});
+    ShellResult status = git({QStringLiteral("status"), QStringLiteral("--porcelain=v1"),
+                              QStringLiteral("-z"), QStringLiteral("-uall")});
+    if (status.isCut) // in the middle of a name, which could be that of another file
+        status.out.truncate(status.out.lastIndexOf(QChar::Null) + 1);
     snapshot.files = parseStatus(status.out);
     return snapshot;
 }

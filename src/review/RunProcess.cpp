@@ -3,6 +3,7 @@
 
 #include "model/Files.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <unistd.h>
 #include <vector>
@@ -107,27 +109,64 @@ QString decoded(const QByteArray &bytes)
     return decoder.decode(bytes);
 }
 
-/// Reads both streams and writes the input, until the program has ended by itself or because it was
-/// stopped.
-void waitForEnd(QProcess &process, const std::stop_token &stop)
-{
-    if (!stop.stop_possible()) {
-        process.waitForFinished(-1);
-        return;
+/// What a program has written. It is taken from QProcess again and again, which would keep all.
+class Output {
+public:
+    bool isCut() const { return m_isCut; }
+
+    void take(QProcess &process)
+    {
+        const QByteArray out = process.readAllStandardOutput();
+        const qsizetype room = mostOutput - m_out.size();
+        m_isCut = m_isCut || out.size() > room;
+        m_out.append(out.constData(), std::min(out.size(), room));
+        m_err += process.readAllStandardError();
+        if (m_err.size() > 2 * mostErrors)
+            m_err = m_err.last(mostErrors);
     }
-    // In slices: a signal sent by the thread that requests the stop could reach another process,
+
+    ShellResult result(int status) const
+    {
+        return {status, decoded(m_out), decoded(m_err.last(std::min(m_err.size(), mostErrors))),
+                m_isCut};
+    }
+
+private:
+    // More than a million lines. Rows made of it take several times as much.
+    static constexpr qsizetype mostOutput = 64 << 20;
+    static constexpr qsizetype mostErrors = 16 << 20;
+
+    QByteArray m_out;
+    QByteArray m_err;
+    bool m_isCut = false;
+};
+
+/// Reads both streams and writes the input, in slices, until the program has ended (true) or
+/// something else has happened.
+template <typename Condition>
+bool waitUntil(QProcess &process, Output &output, Condition isOver)
+{
+    // In slices: a signal sent by the thread that requests a stop could reach another process,
     // because only the thread that waits knows whether the number still belongs to this one.
     constexpr int slice = 20;
-    while (!stop.stop_requested()) {
-        if (process.waitForFinished(slice) || process.state() == QProcess::NotRunning)
-            return;
+    while (process.state() != QProcess::NotRunning) {
+        if (isOver())
+            return false;
+        process.waitForFinished(slice);
+        output.take(process);
     }
-    constexpr int patience = 1000;
+    return true;
+}
+
+/// Tells the program to end, and sees to it.
+void endProgram(QProcess &process, Output &output)
+{
+    const QDeadlineTimer patience(std::chrono::seconds(1));
     process.terminate();
-    if (process.waitForFinished(patience) || process.state() == QProcess::NotRunning)
+    if (waitUntil(process, output, [&] { return patience.hasExpired(); }))
         return;
     process.kill();
-    process.waitForFinished(-1);
+    waitUntil(process, output, [] { return false; });
 }
 
 } // namespace
@@ -141,6 +180,7 @@ ShellResult runProcess(const QString &executable, const QStringList &arguments,
     if (!canBePassedOn(executable) || !canBePassedOn(cwd.value_or(QString())) ||
         !std::all_of(arguments.cbegin(), arguments.cend(), canBePassedOn))
         return notStarted(systemText(EINVAL));
+    const bool canBeStopped = stop.stop_possible();
     ChildStart start(executable, arguments, cwd);
     if (!start.isReady())
         return notStarted(systemText(errno));
@@ -161,7 +201,12 @@ ShellResult runProcess(const QString &executable, const QStringList &arguments,
         process.write(input->toUtf8());
         process.closeWriteChannel(); // once all of it is written
     }
-    waitForEnd(process, stop);
-    return {process.exitCode(), decoded(process.readAllStandardOutput()),
-            decoded(process.readAllStandardError())};
+    Output output;
+    const auto isUnwanted = [&] {
+        return canBeStopped && (stop.stop_requested() || output.isCut());
+    };
+    if (!waitUntil(process, output, isUnwanted))
+        endProgram(process, output);
+    output.take(process);
+    return output.result(process.exitCode());
 }

@@ -14,6 +14,7 @@ struct ShellResult {
     qint32 status = -1;
     QString out; ///< what it wrote to its standard output
     QString err; ///< the same of its standard error; or why it could not be started
+    bool isCut = false; ///< whether `out` is only the beginning of what it wrote
 
     bool operator==(const ShellResult &) const = default;
 };
@@ -23,8 +24,13 @@ struct ShellResult {
 /// for. The program inherits the environment, and the working folder unless there is a `cwd`.
 /// Without `input` its standard input is the null device. Bytes of its output that are not UTF-8
 /// become U+FFFD. Returns when the program itself has ended, even if a program that it left behind
-/// holds its output open. When `stop` is requested the program is told to end (SIGTERM), and is
-/// killed when it does not within a second; nothing is started when that has happened before.
+/// holds its output open.
+///
+/// When `stop` is requested the program is told to end (SIGTERM), and is killed when it does not
+/// within a second; nothing is started when that has happened before.
+///
+/// No more is kept than the first 64 MiB of its output and the last 16 MiB of its errors. One that
+/// can be stopped is ended when its output is longer.
 ShellResult runProcess(const QString &executable, const QStringList &arguments,
                        const std::optional<QString> &cwd = std::nullopt,
                        const std::optional<QString> &input = std::nullopt,

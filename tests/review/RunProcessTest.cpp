@@ -92,6 +92,8 @@ private Q_SLOTS:
     void noDescriptorsLeft();
     void megabytesOnBothStreamsAtOnce_data();
     void megabytesOnBothStreamsAtOnce();
+    void noMoreIsKeptThanAnybodyReads_data();
+    void noMoreIsKeptThanAnybodyReads();
     void closingItsStreamsIsNotTheEnd();
     void withoutInputThereIsTheNullDevice();
     void inputArrives_data();
@@ -307,6 +309,26 @@ void RunProcessTest::megabytesOnBothStreamsAtOnce()
     QCOMPARE(result.out.count(u'o'), bytes);
     QCOMPARE(result.err.size(), bytes);
     QCOMPARE(result.err.count(u'e'), bytes);
+}
+
+void RunProcessTest::noMoreIsKeptThanAnybodyReads_data()
+{
+    QTest::addColumn<qsizetype>("bytes");
+    QTest::addColumn<bool>("isCut");
+    QTest::newRow("all that is kept") << (qsizetype(64) << 20) << false;
+    QTest::newRow("more") << (qsizetype(64) << 20) + 4096 << true;
+}
+
+/// Whoever cannot stop it wants it to come to its end.
+void RunProcessTest::noMoreIsKeptThanAnybodyReads()
+{
+    QFETCH(const qsizetype, bytes);
+    QFETCH(const bool, isCut);
+    const ShellResult result = runChild({QStringLiteral("flood"), QString::number(bytes)});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.isCut, isCut);
+    QCOMPARE(result.out.size(), qsizetype(64) << 20);
+    QCOMPARE(result.err.size(), qsizetype(16) << 20);
 }
 
 void RunProcessTest::closingItsStreamsIsNotTheEnd()
