@@ -12,7 +12,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 #include <vector>
 
@@ -38,11 +40,12 @@ ShellResult notStarted(const QString &why)
 class ChildStart {
 public:
     ChildStart(const QString &executable, const QStringList &arguments,
-               const std::optional<QString> &cwd)
+               const std::optional<QString> &cwd, bool canBeStopped)
         // As an absolute path: for QProcess a mere name would be one to look for in PATH.
         : m_executable(QFileInfo(executable).absoluteFilePath())
         , m_cwd(cwd.value_or(QString()))
         , m_cwdBytes(QFile::encodeName(m_cwd))
+        , m_canBeStopped(canBeStopped)
     {
         m_words.append(QFile::encodeName(m_executable));
         for (const QString &argument : arguments)
@@ -65,6 +68,12 @@ public:
     /// stay behind there for the parent to stumble over.
     [[gnu::no_sanitize_address]] void becomeProgram() const
     {
+        if (m_canBeStopped) {
+            // With a group of its own, since git does not stop what it has started. And since a
+            // signal from the terminal does not reach that group, it ends with us.
+            ::setpgid(0, 0);
+            ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        }
         Report report;
         report.inFolder = !m_cwdBytes.isEmpty() && ::chdir(m_cwdBytes.constData()) != 0;
         if (!report.inFolder)
@@ -94,6 +103,7 @@ private:
     const QString m_executable;
     const QString m_cwd;
     const QByteArray m_cwdBytes;
+    const bool m_canBeStopped;
     QByteArrayList m_words;
     std::vector<char *> m_argv;
     FileDescriptor m_reports;
@@ -158,14 +168,15 @@ bool waitUntil(QProcess &process, Output &output, Condition isOver)
     return true;
 }
 
-/// Tells the program to end, and sees to it.
-void endProgram(QProcess &process, Output &output)
+/// Tells the program and all of its group to end, and sees to it.
+void stopGroup(QProcess &process, Output &output)
 {
+    const auto group = static_cast<pid_t>(process.processId());
     const QDeadlineTimer patience(std::chrono::seconds(1));
-    process.terminate();
+    ::kill(-group, SIGTERM);
     if (waitUntil(process, output, [&] { return patience.hasExpired(); }))
         return;
-    process.kill();
+    ::kill(-group, SIGKILL);
     waitUntil(process, output, [] { return false; });
 }
 
@@ -181,7 +192,7 @@ ShellResult runProcess(const QString &executable, const QStringList &arguments,
         !std::all_of(arguments.cbegin(), arguments.cend(), canBePassedOn))
         return notStarted(systemText(EINVAL));
     const bool canBeStopped = stop.stop_possible();
-    ChildStart start(executable, arguments, cwd);
+    ChildStart start(executable, arguments, cwd, canBeStopped);
     if (!start.isReady())
         return notStarted(systemText(errno));
 
@@ -206,7 +217,7 @@ ShellResult runProcess(const QString &executable, const QStringList &arguments,
         return canBeStopped && (stop.stop_requested() || output.isCut());
     };
     if (!waitUntil(process, output, isUnwanted))
-        endProgram(process, output);
+        stopGroup(process, output);
     output.take(process);
     return output.result(process.exitCode());
 }

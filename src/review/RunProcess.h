@@ -26,8 +26,9 @@ struct ShellResult {
 /// become U+FFFD. Returns when the program itself has ended, even if a program that it left behind
 /// holds its output open.
 ///
-/// When `stop` is requested the program is told to end (SIGTERM), and is killed when it does not
-/// within a second; nothing is started when that has happened before.
+/// When `stop` is requested the program, with those that it has started, is told to end (SIGTERM),
+/// and is killed when it does not within a second; nothing is started when that has happened
+/// before. Nor does it outlive the thread.
 ///
 /// No more is kept than the first 64 MiB of its output and the last 16 MiB of its errors. One that
 /// can be stopped is ended when its output is longer.

@@ -13,9 +13,9 @@
 
 #include <QDir>
 
-#include <csignal>
 #include <memory>
 #include <optional>
+#include <thread>
 
 namespace {
 
@@ -56,6 +56,9 @@ private Q_SLOTS:
     void aGigabyteOfDiffIsNotShown();
     void ofAGigabyteOfErrorsTheEndIsKept();
     void aHookThatFloodsIsNoReasonToBreakACommitOff();
+
+    void aHangingGitIsEndedWithWhatItHasStarted_data();
+    void aHangingGitIsEndedWithWhatItHasStarted();
 
 private:
     static void addFaults();
@@ -252,6 +255,40 @@ void GitFaultsTest::aHookThatFloodsIsNoReasonToBreakACommitOff()
     QCOMPARE(commit(m_repository->path(), QStringLiteral("message")), std::nullopt);
     QVERIFY2(memory.megabytes() < 200, QByteArray::number(memory.megabytes()));
     QCOMPARE(m_repository->git({QStringLiteral("status"), QStringLiteral("--porcelain")}), "");
+}
+
+void GitFaultsTest::aHangingGitIsEndedWithWhatItHasStarted_data()
+{
+    QTest::addColumn<QString>("setting");
+    QTest::newRow("its watcher of files") << QStringLiteral("core.fsmonitor");
+    QTest::newRow("a filter of contents") << QStringLiteral("filter.slow.clean");
+    QTest::newRow("another program for diffs") << QStringLiteral("diff.external");
+}
+
+/// Git ends when it is told to, but what it waits for does not.
+void GitFaultsTest::aHangingGitIsEndedWithWhatItHasStarted()
+{
+    QFETCH(const QString, setting);
+    const QString begun = m_tools->path(QStringLiteral("begun"));
+    const QString slow = m_tools->path(QStringLiteral("slow"));
+    writeFile(slow, "#!/bin/sh\ntouch '" + begun.toUtf8() + "'\nsleep 600\n");
+    QVERIFY(QFile::setPermissions(slow, QFile::ReadOwner | QFile::ExeOwner));
+    writeFile(m_repository->path(QStringLiteral(".gitattributes")), "*.txt filter=slow\n");
+    m_repository->write(changed.path, "old but not the same\n"); // has to be looked at
+    m_repository->git({QStringLiteral("config"), setting, slow});
+
+    std::stop_source stop;
+    std::thread worker([&] {
+        (void)gitStatusSnapshot(m_repository->path(), stop.get_token());
+        (void)loadDiff(m_repository->path(), changed, true, stop.get_token());
+    });
+    const bool hangs = QTest::qWaitFor([&] { return QFile::exists(begun); }, 60'000);
+    stop.request_stop();
+    worker.join();
+    QVERIFY(hangs);
+    QTRY_COMPARE(m_tools->left(), QString());
+
+    QVERIFY(!QFile::exists(m_repository->path(QStringLiteral(".git/index.lock"))));
 }
 
 PLINTHAR_TEST_MAIN(GitFaultsTest)
