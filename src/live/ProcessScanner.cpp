@@ -86,9 +86,12 @@ QString lsofOf(const ProcessScanner::Tools &tools)
 
 namespace ProcessScanner {
 
-QList<AgentProcess> scan(const Tools &tools, BootTicks *seenAt)
+QList<AgentProcess> scan(const Tools &tools, BootTicks *seenAt, const std::stop_token &stop)
 {
-    const ShellResult ps = runProcess(tools.ps, psArguments());
+    const auto run = [&](const QString &tool, const QStringList &arguments) {
+        return runProcess(tool, arguments, std::nullopt, std::nullopt, stop);
+    };
+    const ShellResult ps = run(tools.ps, psArguments());
     if (seenAt) // before lsof, which a dead network folder can hold up for as long as it likes
         *seenAt = bootTicks();
     if (ps.status != 0)
@@ -97,7 +100,7 @@ QList<AgentProcess> scan(const Tools &tools, BootTicks *seenAt)
     if (agents.isEmpty())
         return {};
     // Its status says nothing: it is a failure as soon as one of the processes has ended.
-    const ShellResult lsof = runProcess(lsofOf(tools), lsofArguments(agents));
+    const ShellResult lsof = run(lsofOf(tools), lsofArguments(agents));
     return withFolders(std::move(agents), parseLsof(lsof.out));
 }
 

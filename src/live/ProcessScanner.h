@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QStringList>
 
+#include <stop_token>
+
 /// Finds the coding agents that are running on this machine.
 namespace ProcessScanner {
 
@@ -19,8 +21,10 @@ struct Tools {
 
 /// Runs ps, and lsof if there are agents. Highest CPU share first; empty when ps fails. Takes as
 /// long as the two commands do: for background threads only. `seenAt` becomes the time by which ps
-/// had seen the agents: a process that was started later is none of them, whatever its number.
-QList<AgentProcess> scan(const Tools &tools = {}, BootTicks *seenAt = nullptr);
+/// had seen the agents: a process that was started later is none of them, whatever its number. When
+/// `stop` is requested the commands are ended and the result is of no use.
+QList<AgentProcess> scan(const Tools &tools = {}, BootTicks *seenAt = nullptr,
+                         const std::stop_token &stop = {});
 
 /// ps's arguments, for every process with what parsePs() reads.
 QStringList psArguments();

@@ -4,10 +4,10 @@
 #include "live/ProcessScanner.h"
 #include "model/Background.h"
 
-Scan scanMachine()
+Scan scanMachine(const std::stop_token &stop)
 {
     Scan scan;
-    scan.agents = ProcessScanner::scan({}, &scan.at);
+    scan.agents = ProcessScanner::scan({}, &scan.at, stop);
     return scan;
 }
 
@@ -58,7 +58,7 @@ void ScanLoop::scan()
         [scanner = m_scanner](const std::stop_token &token) {
             if (token.stop_requested()) // it may have waited for a thread
                 return Scan();
-            return scanner();
+            return scanner(token);
         },
         [this, stop = m_stop.get_token()](const Scan &scan) { take(scan, stop); });
 }

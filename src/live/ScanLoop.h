@@ -16,23 +16,23 @@ struct Scan {
     BootTicks at = 0; ///< by then the agents were there
 };
 
-/// Looks for what runs on this machine.
-Scan scanMachine();
+/// Looks for what runs on this machine, until that is not wanted any more.
+Scan scanMachine(const std::stop_token &stop);
 
 /// Scans again and again in the background while it is started, two seconds after the end of the
 /// scan before. Scans never overlap. Lives on the interface thread.
 class ScanLoop : public QObject {
     Q_OBJECT
 public:
-    /// Called on background threads.
-    using Scanner = std::function<Scan()>;
+    /// Called on background threads. What it returns when it has been told to stop is dropped.
+    using Scanner = std::function<Scan(const std::stop_token &)>;
 
     explicit ScanLoop(Scanner scanner = scanMachine, QObject *parent = nullptr);
     ~ScanLoop() override;
 
     /// Scans, and goes on. When a scan from before a stop() is still under way, after its end.
     void start();
-    /// The result of the scan under way is dropped.
+    /// The scan under way is told to stop, and its result is dropped.
     void stop();
     /// Does not wait for the two seconds to be over.
     void scanNow();

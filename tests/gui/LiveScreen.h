@@ -36,7 +36,7 @@ class StatedAgents {
 public:
     ScanLoop::Scanner scanner()
     {
-        return [state = m_state] {
+        return [state = m_state](const std::stop_token &) {
             ++state->begun;
             if (state->held)
                 state->gate.acquire();

@@ -19,7 +19,7 @@ class HeldScanner {
 public:
     ScanLoop::Scanner scanner()
     {
-        return [state = m_state] {
+        return [state = m_state](const std::stop_token &) {
             const int now = ++state->running;
             state->mostAtOnce = qMax(state->mostAtOnce.load(), now);
             if (QThread::currentThread() == state->interfaceThread)
