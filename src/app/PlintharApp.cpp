@@ -3,7 +3,6 @@
 
 #include "app/ContentView.h"
 #include "model/Background.h"
-#include "review/ActionGuard.h"
 #include "ui/Icons.h"
 
 #include <QGuiApplication>
@@ -21,7 +20,7 @@ PlintharApp::~PlintharApp()
     m_window.reset();
     m_store.reset();
     Background::finish(std::chrono::milliseconds(500));
-    finishGitActions(); // with the window gone nobody waits for it
+    Background::finishSaving(); // with the window gone nobody waits for it
 }
 
 void PlintharApp::show()

@@ -39,4 +39,9 @@ bool finish(std::chrono::milliseconds patience)
     return pool().waitForDone(int(end.remainingTime())) && saved;
 }
 
+void finishSaving()
+{
+    savingPool().waitForDone();
+}
+
 } // namespace Background

@@ -49,4 +49,9 @@ void destroy(Value value)
 /// network folder, say) is left to itself.
 bool finish(std::chrono::milliseconds patience);
 
+/// Waits until everything has been saved and every decision carried out, however long that takes.
+/// For the end of the program, when no window is left: were it to end before, what the user typed
+/// would be lost without a word, and a commit would be broken off when its hook prints something.
+void finishSaving();
+
 } // namespace Background

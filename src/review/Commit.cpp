@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "review/Commit.h"
 
-#include "review/ActionGuard.h"
 #include "review/GitCommand.h"
 #include "review/TerminalText.h"
 
@@ -55,7 +54,6 @@ QString commitMessage(const QString &typed)
 
 std::optional<QString> commit(const QString &projectPath, const QString &typed)
 {
-    const ActionGuard guard;
     const MessageFile message(commitMessage(typed));
     const ShellResult result =
         runGit(projectPath, {QStringLiteral("commit"), QStringLiteral("-F"), message.path()});

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "review/GitActions.h"
 
-#include "review/ActionGuard.h"
 #include "review/GitCommand.h"
 #include "review/GitPath.h"
 #include "review/GitStatus.h"
@@ -145,7 +144,6 @@ ShellResult clean(const QString &projectPath, const GitTarget &target, const Git
 
 ShellResult approve(const QString &projectPath, const GitFile &file)
 {
-    const ActionGuard guard;
     const GitTarget target = findTarget(projectPath, file.path);
     if (!target.error.isEmpty())
         return refused(target.error);
@@ -163,7 +161,6 @@ ShellResult approve(const QString &projectPath, const GitFile &file)
 
 ShellResult reject(const QString &projectPath, const GitFile &file, bool hasHead)
 {
-    const ActionGuard guard;
     const GitTarget target = findTarget(projectPath, file.path);
     if (!target.error.isEmpty())
         return refused(target.error);

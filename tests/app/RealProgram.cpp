@@ -13,6 +13,8 @@ RealProgram::RealProgram(const PrivateHome &home, const QProcessEnvironment &env
     setVariable(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
     setVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nowhere"));
     setVariable(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    setVariable(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(PLUGINS));
+    setVariable(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("KeyPresser:stdin"));
     setProcessChannelMode(QProcess::ForwardedChannels);
 }
 
@@ -29,9 +31,13 @@ void RealProgram::setVariable(const QString &name, const QString &value)
 
 void RealProgram::pressKeys(const QString &combinations)
 {
-    setVariable(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(PLUGINS));
     setVariable(QStringLiteral("QT_QPA_GENERIC_PLUGINS"),
                 QStringLiteral("KeyPresser:") + combinations);
+}
+
+void RealProgram::perform(const QStringList &steps)
+{
+    write((steps.join(u'\n') + u'\n').toUtf8());
 }
 
 bool RealProgram::begin()

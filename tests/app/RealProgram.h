@@ -17,6 +17,9 @@ public:
     void setVariable(const QString &name, const QString &value);
     /// Combinations of keys, separated by ";", that are pressed in its window again and again.
     void pressKeys(const QString &combinations);
+    /// The same once, as soon as it is possible; also "click Save", "await Save" and "type text",
+    /// as in KeyPresser.cpp. One after the other. To be called when it runs.
+    void perform(const QStringList &steps);
     /// Waits until it runs, or fails to.
     bool begin();
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "review/CommitSheet.h"
 
-#include "review/ActionGuard.h"
+#include "model/Background.h"
 #include "support/HeldBackground.h"
 #include "support/Input.h"
 #include "support/ReviewPage.h"
@@ -239,7 +239,7 @@ private Q_SLOTS:
         m_page->window().destroy();
         m_repository->write(u".git/closed"_qs, {});
         Background::finish(std::chrono::milliseconds(1)); // as at the end of the program
-        finishGitActions();
+        Background::finishSaving();
         QCOMPARE(commits(), 2);
         QCOMPARE(leftovers(), QStringList());
     }

@@ -2,7 +2,6 @@
 #include "review/Commit.h"
 
 #include "app/Environment.h"
-#include "review/ActionGuard.h"
 #include "review/Repository.h"
 #include "support/TestMain.h"
 
@@ -11,9 +10,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
-#include <atomic>
 #include <memory>
-#include <thread>
 
 class CommitTest : public QObject {
     Q_OBJECT
@@ -33,7 +30,6 @@ private Q_SLOTS:
     void failingHook_data();
     void failingHook();
     void hookThatLeavesAProcessBehind();
-    void actionsAreFinished();
 
 private:
     const Repository &repository() const { return *m_repository; }
@@ -207,23 +203,6 @@ void CommitTest::hookThatLeavesAProcessBehind()
     QCOMPARE(commit(repository().path(), QStringLiteral("message")), std::nullopt);
     QVERIFY(QFile::remove(left)); // it is still there, and ends now
     QCOMPARE(lastMessage(), "message\n\nAgent-assisted: true\n\n");
-}
-
-void CommitTest::actionsAreFinished()
-{
-    const QString begun = m_folder->filePath(QStringLiteral("begun"));
-    hook("touch '" + begun.toUtf8() + "'\nsleep 0.5\necho text\n");
-    std::atomic<bool> over = false;
-    std::thread worker([&] {
-        (void)commit(repository().path(), QStringLiteral("message"));
-        over = true;
-    });
-    QTRY_VERIFY(QFile::exists(begun));
-    QVERIFY(!over);
-    finishGitActions();
-    QCOMPARE(lastMessage(), "message\n\nAgent-assisted: true\n\n");
-    worker.join();
-    finishGitActions(); // at once when there is none
 }
 
 PLINTHAR_TEST_MAIN(CommitTest)
