@@ -19,8 +19,10 @@ PlintharApp::~PlintharApp()
 {
     m_window.reset();
     m_store.reset();
-    Background::finish(std::chrono::milliseconds(500));
-    Background::finishSaving(); // with the window gone nobody waits for it
+    // With the window gone nobody waits for it. A tool that does not end when it is told to is
+    // killed a second later.
+    Background::finish(std::chrono::milliseconds(1500));
+    Background::finishSaving();
 }
 
 void PlintharApp::show()

@@ -21,6 +21,7 @@ constexpr int patience = 60'000;
 constexpr int aLongTime = 2500;
 
 const QString hangs = QStringLiteral("exec sleep 600");
+const QString isDeaf = QStringLiteral("trap '' TERM; while :; do sleep 0.1; done");
 
 QStringList filesIn(const QString &folder)
 {
@@ -134,10 +135,14 @@ void ClosingTest::whileAToolHangs_data()
     const QString review = QStringLiteral("Ctrl+3");
     const QString git = QStringLiteral("git");
     QTest::newRow("ps") << live << QStringLiteral("ps") << QString() << hangs;
+    QTest::newRow("ps that is deaf") << live << QStringLiteral("ps") << QString() << isDeaf;
     QTest::newRow("lsof") << live << QStringLiteral("lsof") << QString() << hangs;
     QTest::newRow("git from the start") << review << git << QStringLiteral("rev-parse") << hangs;
     QTest::newRow("git status") << review << git << QStringLiteral("status") << hangs;
+    QTest::newRow("git status that is deaf") << review << git << QStringLiteral("status") << isDeaf;
     QTest::newRow("git diff") << review << git << QStringLiteral("diff") << hangs;
+    QTest::newRow("git diff that is deaf, with a temporary folder")
+        << review << git << QStringLiteral("--no-index") << isDeaf;
 }
 
 void ClosingTest::whileAToolHangs()
