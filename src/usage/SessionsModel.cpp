@@ -62,6 +62,12 @@ QVariant SessionsModel::data(const QModelIndex &index, int role) const
     }
 }
 
+void SessionsModel::tellStartsChanged()
+{
+    if (rowCount() > 0)
+        Q_EMIT dataChanged(index(0, Started), index(rowCount() - 1, Started), {Qt::DisplayRole});
+}
+
 QString SessionsModel::text(const SessionRow &row, int column) const
 {
     switch (column) {

@@ -20,6 +20,9 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     QVariant data(const QModelIndex &index, int role) const override;
 
+    /// Tells that the sessions' starts read otherwise than before.
+    void tellStartsChanged();
+
 private:
     QString text(const SessionRow &row, int column) const;
 

@@ -55,11 +55,13 @@ void setUpTable(TableView *table)
 
 } // namespace
 
-SessionsView::SessionsView(const Project &project, Store &store, QWidget *parent)
+SessionsView::SessionsView(const Project &project, Store &store, const Clock &clock,
+                           QWidget *parent)
     : QWidget(parent)
     , m_project(project)
     , m_store(store)
     , m_job(this)
+    , m_dayWatch(clock)
     , m_model(new SessionsModel(locale(), this))
 {
     auto *layout = new QVBoxLayout(this);
@@ -114,6 +116,20 @@ void SessionsView::connectSignals()
     connect(&m_store, &Store::sessionsChanged, this, &SessionsView::refresh);
     connect(&m_store, &Store::pricesChanged, this, &SessionsView::refresh);
     connect(&m_store, &Store::loadingChanged, this, &SessionsView::showBody);
+    // When the time zone is another, so is the time at which every session began.
+    connect(&m_dayWatch, &DayWatch::dayChanged, m_model, &SessionsModel::tellStartsChanged);
+}
+
+void SessionsView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    m_dayWatch.start();
+}
+
+void SessionsView::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    m_dayWatch.stop();
 }
 
 void SessionsView::refresh()

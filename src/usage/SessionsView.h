@@ -3,6 +3,7 @@
 
 #include "model/Project.h"
 #include "ui/LatestJob.h"
+#include "usage/DayWatch.h"
 #include "usage/SessionTable.h"
 
 #include <QWidget>
@@ -19,7 +20,12 @@ class TextLabel;
 class SessionsView : public QWidget {
     Q_OBJECT
 public:
-    SessionsView(const Project &project, Store &store, QWidget *parent = nullptr);
+    SessionsView(const Project &project, Store &store, const Clock &clock = {},
+                 QWidget *parent = nullptr);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
 private:
     QWidget *buildHeader();
@@ -36,6 +42,7 @@ private:
     const Project m_project;
     Store &m_store;
     LatestJob m_job;
+    DayWatch m_dayWatch;
 
     SessionsModel *m_model;
     TextLabel *m_summary = nullptr;

@@ -79,6 +79,17 @@ struct ModelSpy {
     QSignalSpy moved;
 };
 
+/// While it lives, the computer is in another time zone.
+class Journey {
+public:
+    explicit Journey(const char *zone) { qputenv("TZ", zone); }
+    ~Journey() { qputenv("TZ", m_home); }
+    Q_DISABLE_COPY_MOVE(Journey)
+
+private:
+    const QByteArray m_home = qgetenv("TZ");
+};
+
 } // namespace
 
 class SessionsViewTest : public QObject {
@@ -617,6 +628,39 @@ private Q_SLOTS:
         QCOMPARE(spy->changed[0][0].toModelIndex(), m_window->sessions()->model()->index(0, 0));
         QCOMPARE(spy->changed[0][1].toModelIndex(),
                  m_window->sessions()->model()->index(count - 1, Column::Cost));
+    }
+
+    void startsFollowTheTimeZone()
+    {
+        write({.id = u"s"_qs, .start = u"2026-03-05T10:00:00.000Z"_qs});
+        m_window->load();
+        // A clock that is about to strike midnight, when it is seen that the zone is another.
+        const auto day = std::chrono::ceil<std::chrono::days>(currentTime());
+        const auto offset = day - std::chrono::milliseconds(300) - currentTime();
+        const Clock clock{.now = [offset] { return currentTime() + offset; },
+                          .zone = [] { return QTimeZone::systemTimeZone(); }};
+        Store &store = m_window->store();
+        SessionsView view(store.projects().constFirst(), store, clock);
+        view.resize(1000, 600);
+        view.setVisible(true);
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        const auto *table = find<QTableView>(&view, u"sessionsTable"_qs);
+        const QModelIndex start = table->model()->index(0, Column::Started);
+        QVERIFY(start.data().toString().contains(u"10:00"_qs));
+        QSignalSpy changes(table->model(), &QAbstractItemModel::dataChanged);
+        const Journey journey("Asia/Tokyo");
+        QTRY_COMPARE(changes.count(), 1);
+        QVERIFY(changes.constFirst().at(0).toModelIndex() == start);
+    }
+
+    void startsAreThoseOfTheTimeZoneNow()
+    {
+        write({.id = u"s"_qs, .start = u"2026-03-05T10:00:00.000Z"_qs});
+        m_window->load();
+        QVERIFY(text(0, Column::Started).contains(u"10:00"_qs));
+        const Journey journey("Asia/Tokyo");
+        const QString there = text(0, Column::Started);
+        QVERIFY2(there.contains(u"7:00"_qs), qPrintable(there));
     }
 
 private:
