@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Footprint.h"
+
+#include "support/PrivateHome.h"
+
+#include <QDir>
+
+#include <malloc.h>
+#include <unistd.h>
+
+namespace {
+
+int entriesIn(const QString &folder)
+{
+    return int(
+        QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size());
+}
+
+int childrenOfAllThreads()
+{
+    const QString threads = QStringLiteral("/proc/self/task/");
+    qsizetype count = 0;
+    for (const QString &thread : QDir(threads).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+        count += readFile(threads + thread + QStringLiteral("/children"))
+                     .simplified()
+                     .split(' ')
+                     .removeIf([](const QByteArray &pid) { return !pid.isEmpty(); });
+    return int(count);
+}
+
+} // namespace
+
+Footprint Footprint::now()
+{
+    ::malloc_trim(0);
+    const struct mallinfo2 info = ::mallinfo2();
+    Footprint now;
+    now.memory = qint64(info.uordblks + info.hblkhd);
+    now.resident = readFile(QStringLiteral("/proc/self/statm")).split(' ').value(1).toLongLong() *
+                   ::sysconf(_SC_PAGESIZE);
+    now.descriptors = entriesIn(QStringLiteral("/proc/self/fd"));
+    now.threads = entriesIn(QStringLiteral("/proc/self/task"));
+    now.children = childrenOfAllThreads();
+    return now;
+}
+
+QString Footprint::text() const
+{
+    return QStringLiteral("%1 kB in use, %2 kB resident, %3 descriptors, %4 threads, %5 children")
+        .arg(memory / 1000)
+        .arg(resident / 1000)
+        .arg(descriptors)
+        .arg(threads)
+        .arg(children);
+}
