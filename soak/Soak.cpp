@@ -175,6 +175,7 @@ int main(int argc, char **argv)
     const WindowTestApplication application(argc, argv);
     const Options chosen = options(application);
     catchSignals();
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     try {
         Soak(chosen).run();
         return 0;

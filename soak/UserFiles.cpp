@@ -12,6 +12,7 @@
 
 #include <QAbstractButton>
 #include <QLabel>
+#include <QPushButton>
 
 namespace {
 
@@ -21,6 +22,7 @@ constexpr int patience = 60'000;
 
 void User::editInstructions()
 {
+    openTab(0); // so that what an earlier step left unsaved is thrown away
     openTab(4);
     settle();
     auto *list = find<QListView>(detail(), QStringLiteral("contextFiles"));
@@ -51,10 +53,12 @@ void User::editInstructions()
         return;
     Input::key(Qt::Key_S, Qt::ControlModifier);
     // A button that is pressed by its shortcut takes a moment.
-    const auto *status = find<QLabel>(detail(), QStringLiteral("status"));
-    require(QTest::qWaitFor([status] { return status->text() == u"Saved"; }, patience),
-            QStringLiteral("nothing says that it is saved: ") + path);
+    const auto *save = find<QPushButton>(detail(), QStringLiteral("save"));
+    require(QTest::qWaitFor([save] { return !save->isEnabled(); }, patience),
+            QStringLiteral("saving does not begin: ") + path);
     settle();
+    require(find<QLabel>(detail(), QStringLiteral("status"))->text() == u"Saved",
+            QStringLiteral("nothing says that it is saved: ") + path);
     m_scratch.expect(path, (isLong ? QByteArray() : before) + typed.toLatin1());
 }
 
