@@ -3,7 +3,9 @@
 
 #include "support/PrivateHome.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QWidget>
 
 #include <malloc.h>
 #include <unistd.h>
@@ -38,6 +40,7 @@ Footprint Footprint::now()
     now.memory = qint64(info.uordblks + info.hblkhd);
     now.resident = readFile(QStringLiteral("/proc/self/statm")).split(' ').value(1).toLongLong() *
                    ::sysconf(_SC_PAGESIZE);
+    now.widgets = QApplication::allWidgets().size();
     now.descriptors = entriesIn(QStringLiteral("/proc/self/fd"));
     now.threads = entriesIn(QStringLiteral("/proc/self/task"));
     now.children = childrenOfAllThreads();
@@ -46,9 +49,11 @@ Footprint Footprint::now()
 
 QString Footprint::text() const
 {
-    return QStringLiteral("%1 kB in use, %2 kB resident, %3 descriptors, %4 threads, %5 children")
+    return QStringLiteral("%1 kB in use, %2 kB resident, %3 widgets, %4 descriptors, %5 threads, "
+                          "%6 children")
         .arg(memory / 1000)
         .arg(resident / 1000)
+        .arg(widgets)
         .arg(descriptors)
         .arg(threads)
         .arg(children);

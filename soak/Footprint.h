@@ -7,6 +7,7 @@
 struct Footprint {
     qint64 memory = 0; ///< bytes that are allocated and not freed
     qint64 resident = 0;
+    qsizetype widgets = 0;
     int descriptors = 0;
     int threads = 0;
     int children = 0;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Manifest.h"
 
-#include <QCryptographicHash>
+#include "GitObjects.h"
+
 #include <QFile>
 
 #include <dirent.h>
@@ -12,20 +13,19 @@ namespace {
 
 constexpr mode_t usualMode = S_IFREG | 0644;
 
-QByteArray entry(mode_t mode, const QByteArray &content)
+QByteArray entry(mode_t mode, const QByteArray &objectName)
 {
-    return QByteArray::number(mode, 8) + ' ' + QByteArray::number(content.size()) + ' ' +
-           QCryptographicHash::hash(content, QCryptographicHash::Sha1).toHex();
+    return QByteArray::number(mode, 8) + ' ' + objectName;
 }
 
 QByteArray entryAt(const QString &path, mode_t mode)
 {
     if (S_ISLNK(mode))
-        return entry(mode, QFile::symLinkTarget(path).toUtf8());
+        return entry(mode, objectName(QFile::symLinkTarget(path).toUtf8()));
     QFile file(path);
     if (!S_ISREG(mode) || !file.open(QIODevice::ReadOnly))
         return entry(mode, "not to be read");
-    return entry(mode, file.readAll());
+    return entry(mode, objectName(file.readAll()));
 }
 
 using LeftOut = std::function<bool(const QString &)>;
@@ -65,9 +65,9 @@ Manifest takeManifest(const QString &folder, const LeftOut &leftOut)
     return manifest;
 }
 
-QByteArray fileEntry(const QByteArray &content)
+QByteArray fileEntry(const QByteArray &objectName)
 {
-    return entry(usualMode, content);
+    return entry(usualMode, objectName);
 }
 
 QStringList differences(const Manifest &expected, const Manifest &actual)

@@ -8,15 +8,15 @@
 
 #include <functional>
 
-/// What lies in a folder: by relative path the permissions and the content of every file, as a
-/// short text. An empty folder is an entry too.
+/// What lies in a folder: by relative path the permissions of every file and git's name for its
+/// content. An empty folder is an entry too.
 using Manifest = QMap<QString, QByteArray>;
 
 /// Looks at all of a folder but what is left out, which is asked with relative paths.
 Manifest takeManifest(const QString &folder, const std::function<bool(const QString &)> &leftOut);
 
-/// The entry of a usual file with this content.
-QByteArray fileEntry(const QByteArray &content);
+/// The entry of a usual file whose content has this name.
+QByteArray fileEntry(const QByteArray &objectName);
 
 /// What is missing, new or different, for people; at most a few.
 QStringList differences(const Manifest &expected, const Manifest &actual);

@@ -1,19 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// The process beside the window in a soak: writes logs, changes files of the repositories and
-// starts and ends agents, and looks whether somebody else has changed what is its own.
+// The process beside the window in a soak: writes logs, changes, stages and commits files of the
+// repositories, and starts and ends agents, and looks whether somebody else has changed what is its
+// own.
 //
 //   plinthar_soak_neighbour SEED LOG-FOLDERS PROJECT...
 //
 // Reads from standard input: "rest" (everything as at first; answers "resting") and "go on". Ends
 // with the input, or with a line about what it has found.
 
+#include "GitObjects.h"
 #include "model/Discovery.h"
 #include "support/AgentDouble.h"
 #include "support/LogLines.h"
 #include "support/PrivateHome.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -22,6 +25,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <memory>
 #include <optional>
 #include <poll.h>
@@ -30,6 +34,9 @@
 #include <vector>
 
 namespace {
+
+constexpr int repositoryCount = 2;
+const QString theirs = QStringLiteral("theirs");
 
 class Neighbour {
 public:
@@ -41,6 +48,8 @@ public:
         for (const QString &project : m_projects)
             startLog(logOf(project, 0), project);
         m_first = m_files;
+        for (const QString &repository : m_projects.first(repositoryCount))
+            m_staged[repository] = objectsInIndex(repository, theirs);
     }
 
     int waitingTime() { return 5 + below(60); }
@@ -48,24 +57,27 @@ public:
     /// Does something. Gives what somebody else has done.
     std::optional<QString> act()
     {
-        const auto found = look();
-        switch (below(8)) {
-        case 0:
+        look();
+        if (below(3) == 0)
+            letGo();
+        const int choice = below(20);
+        if (choice < 2)
             startOrEndAgent();
-            break;
-        case 1:
-        case 2:
-        case 3:
+        else if (choice < 8)
             changeRepository();
-            break;
-        default:
+        else if (choice < 10)
+            useGit(m_projects.at(below(repositoryCount)));
+        else if (choice < 11)
+            hold(m_projects.at(below(repositoryCount)));
+        else
             changeLog();
-        }
-        return found;
+        return m_found;
     }
 
-    void rest()
+    /// Puts everything as it was at first. Nobody else uses git meanwhile.
+    std::optional<QString> rest()
     {
+        letGo();
         m_agents.clear();
         for (const QString &path : m_files.keys()) {
             if (!m_first.contains(path))
@@ -73,6 +85,11 @@ public:
         }
         for (auto it = m_first.cbegin(); it != m_first.cend(); ++it)
             write(it.key(), it.value());
+        for (const QString &repository : m_projects.first(repositoryCount)) {
+            if (!m_found && !(stage(repository) && commit(repository)))
+                m_found = QStringLiteral("a lock was left behind in ") + repository;
+        }
+        return m_found;
     }
 
 private:
@@ -106,9 +123,8 @@ private:
 
     QByteArray answer()
     {
-        return LogLines::assistant(QStringLiteral("2026-03-%1T%2:00:00.000Z")
-                                       .arg(1 + below(28), 2, 10, QLatin1Char('0'))
-                                       .arg(below(24), 2, 10, QLatin1Char('0')),
+        const QDateTime time = m_start.addSecs(-below(40 * 24 * 3600));
+        return LogLines::assistant(time.toString(Qt::ISODateWithMs),
                                    QStringLiteral("claude-opus-4"),
                                    {below(1000), below(1000), below(1000), below(1000)},
                                    QStringLiteral("message-%1").arg(m_messages++)) +
@@ -117,7 +133,7 @@ private:
 
     void startLog(const QString &path, const QString &folder)
     {
-        write(path, LogLines::user(QStringLiteral("2026-03-05T10:00:00.000Z"),
+        write(path, LogLines::user(m_start.toString(Qt::ISODateWithMs),
                                    QStringLiteral("Please do that"), folder) +
                         '\n' + answer());
     }
@@ -150,15 +166,87 @@ private:
 
     void changeRepository()
     {
-        const QString repository = m_projects.at(below(2));
         const QString path =
-            QStringLiteral("%1/theirs/%2.txt").arg(repository, QString::number(below(12)));
+            QStringLiteral("%1/%2/%3.txt")
+                .arg(m_projects.at(below(repositoryCount)), theirs, QString::number(below(12)));
         if (m_files.contains(path) && below(3) == 0)
             return remove(path);
         QByteArray content;
         for (int line = below(40); line >= 0; --line)
             content += QByteArray::number(m_random.generate64(), 36) + '\n';
         write(path, content);
+    }
+
+    /// As an agent does that commits its own work and leaves alone what else is staged.
+    void useGit(const QString &repository)
+    {
+        if (objectsInIndex(repository, theirs) != m_staged.value(repository))
+            m_found = repository + QStringLiteral(": what is staged was changed by somebody else");
+        else if (below(3) == 0)
+            tryGit(repository, {QStringLiteral("status"), QStringLiteral("--short")});
+        else if (stage(repository) && below(2) == 0)
+            commit(repository);
+    }
+
+    bool stage(const QString &repository)
+    {
+        if (!tryGit(repository, {QStringLiteral("add"), QStringLiteral("-A"), theirs}))
+            return false;
+        const QString folder = repository + u'/';
+        GitObjects &staged = m_staged[repository];
+        staged = {{theirs + QStringLiteral("/.keep"), objectName({})}};
+        for (auto it = m_files.cbegin(); it != m_files.cend(); ++it) {
+            if (it.key().startsWith(folder))
+                staged[it.key().mid(folder.size())] = objectName(it.value());
+        }
+        return true;
+    }
+
+    bool commit(const QString &repository)
+    {
+        return tryGit(repository,
+                      {QStringLiteral("commit"), QStringLiteral("-q"),
+                       QStringLiteral("--allow-empty"), QStringLiteral("-m"),
+                       QStringLiteral("The neighbour's"), QStringLiteral("--"), theirs});
+    }
+
+    /// Whether git did it. It may find the window's lock, or a branch that has just been moved on.
+    bool tryGit(const QString &repository, const QStringList &arguments)
+    {
+        QProcess git;
+        git.setProcessChannelMode(QProcess::MergedChannels);
+        git.start(QStringLiteral("/usr/bin/git"),
+                  QStringList{QStringLiteral("-C"), repository} + arguments);
+        git.waitForFinished(-1);
+        if (git.exitStatus() == QProcess::NormalExit && git.exitCode() == 0)
+            return true;
+        const QString said = QString::fromUtf8(git.readAll());
+        if (!said.contains(u".lock") && !said.contains(u"cannot lock"))
+            m_found = repository + QStringLiteral(": git failed: ") + said;
+        return false;
+    }
+
+    /// As git does for as long as it takes.
+    void hold(const QString &repository)
+    {
+        if (!m_held.isEmpty())
+            return;
+        const QString lock = repository + QStringLiteral("/.git/index.lock");
+        const int file =
+            ::open(QFile::encodeName(lock).constData(), O_WRONLY | O_CREAT | O_EXCL, 0644);
+        if (file < 0)
+            return;
+        ::close(file);
+        m_held = lock;
+    }
+
+    void letGo()
+    {
+        if (m_held.isEmpty())
+            return;
+        if (!QFile::remove(m_held))
+            m_found = m_held + QStringLiteral(" was removed by somebody else");
+        m_held.clear();
     }
 
     void startOrEndAgent()
@@ -170,26 +258,29 @@ private:
         m_agents.push_back(std::make_unique<AgentDouble>(QStringLiteral("claude"), project()));
     }
 
-    std::optional<QString> look() const
+    void look()
     {
         for (auto it = m_files.cbegin(); it != m_files.cend(); ++it) {
             if (!QFileInfo::exists(it.key()) || readFile(it.key()) != it.value())
-                return it.key() + QStringLiteral(" was changed by somebody else");
+                m_found = it.key() + QStringLiteral(" was changed by somebody else");
         }
         for (const auto &agent : m_agents) {
             if (::kill(agent->pid(), 0) != 0 || !agent->isRunning())
-                return QStringLiteral("agent %1 was ended by somebody else").arg(agent->pid());
+                m_found = QStringLiteral("agent %1 was ended by somebody else").arg(agent->pid());
         }
-        return {};
     }
 
     QRandomGenerator m_random;
     const QString m_logs;
     const QStringList m_projects;
+    const QDateTime m_start = QDateTime::currentDateTimeUtc();
     int m_messages = 0;
     QMap<QString, QByteArray> m_files;
     QMap<QString, QByteArray> m_first;
+    QMap<QString, GitObjects> m_staged; ///< by repository
+    QString m_held;                     ///< the lock file
     std::vector<std::unique_ptr<AgentDouble>> m_agents;
+    std::optional<QString> m_found;
 };
 
 /// A line of the input, without its end; nothing while there is none.
@@ -233,8 +324,7 @@ int main(int argc, char **argv)
                 resting = *line == "rest";
                 if (!resting)
                     continue;
-                neighbour.rest();
-                say(QStringLiteral("resting"));
+                say(neighbour.rest().value_or(QStringLiteral("resting")));
             }
         }
         // So that it learns of agents that have ended.

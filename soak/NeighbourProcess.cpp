@@ -7,6 +7,8 @@ NeighbourProcess::NeighbourProcess(const Scratch &scratch, quint64 seed)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("TMPDIR"), scratch.neighbourFolder());
+    // Its git takes locks whenever it likes, as anybody's does.
+    environment.remove(QStringLiteral("GIT_OPTIONAL_LOCKS"));
     m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(QStringLiteral(NEIGHBOUR),

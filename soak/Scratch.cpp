@@ -2,59 +2,52 @@
 #include "Scratch.h"
 
 #include "Finding.h"
-#include "model/PriceStore.h"
+#include "GitObjects.h"
 #include "review/Repository.h"
 #include "support/Sessions.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 
 namespace {
 
 constexpr int repositoryCount = 2;
+const QString ours = QStringLiteral("ours");
 
-/// What the neighbour changes, and what Qt and git keep for themselves. Of git's own files those
-/// are looked at through git.
+/// What of a repository's ".git" changes with every use. The index and HEAD are looked at through
+/// git, and a lock that is left behind is in the neighbour's way.
+bool isGitsOwn(const QString &path)
+{
+    for (const auto *changing :
+         {u"objects", u"logs", u"index", u"COMMIT_EDITMSG", u"refs/heads/main"}) {
+        if (path == QString::fromUtf16(changing))
+            return true;
+    }
+    return path.endsWith(u".lock");
+}
+
+/// What the neighbour changes, and what Qt and git keep for themselves.
 bool isLeftOut(const QString &path)
 {
     for (const auto *folder : {u".cache", u".claude/projects", u"neighbour"}) {
         if (path == QString::fromUtf16(folder))
             return true;
     }
-    const bool isGits = path.endsWith(u"/.git") || path.contains(u"/.git/");
-    return path.endsWith(u"/theirs") || path == u".config/QtProject.conf" || isGits;
+    const QString git = QStringLiteral("/.git/");
+    const qsizetype inGit = path.indexOf(git);
+    return path.endsWith(u"/theirs") || path == u".config/QtProject.conf" ||
+           (inGit >= 0 && isGitsOwn(path.mid(inGit + git.size())));
 }
 
-/// The name that git gives a content.
-QByteArray objectName(const QByteArray &content)
+GitObjects expectedObjects(const QMap<QString, TrackedFile> &files,
+                           std::optional<QByteArray> TrackedFile::*where)
 {
-    const QByteArray header = "blob " + QByteArray::number(content.size());
-    return QCryptographicHash::hash(header + '\0' + content, QCryptographicHash::Sha1).toHex();
-}
-
-/// Paths with the names of their contents, from lines as "MODE [KIND] OBJECT [STAGE]<Tab>PATH".
-Manifest entries(const QByteArray &output, int objectColumn)
-{
-    Manifest found;
-    for (const QByteArray &line : output.split('\0')) {
-        const qsizetype tab = line.indexOf('\t');
-        if (tab >= 0)
-            found[QString::fromUtf8(line.mid(tab + 1))] +=
-                line.first(tab).split(' ').value(objectColumn);
-    }
-    return found;
-}
-
-Manifest named(const QMap<QString, TrackedFile> &files,
-               std::optional<QByteArray> TrackedFile::*where)
-{
-    Manifest names;
+    GitObjects objects;
     for (auto it = files.cbegin(); it != files.cend(); ++it) {
         if ((*it).*where)
-            names[it.key()] = objectName(*((*it).*where));
+            objects[it.key()] = *((*it).*where);
     }
-    return names;
+    return objects;
 }
 
 void requireSame(const Manifest &expected, const Manifest &actual, const QString &where)
@@ -100,11 +93,13 @@ void Scratch::makeRepository(const QString &folder)
         const QString path = QStringLiteral("ours/%1.txt").arg(i);
         const QByteArray content = QByteArray::number(i) + " at first\n";
         repository.write(path, content);
-        m_tracked[folder][path] = {content, content, content};
+        const QByteArray name = objectName(content);
+        m_tracked[folder][path] = {name, name, name};
     }
     // Which keeps the folder where it is.
     repository.write(QStringLiteral("ours/kept"), "");
-    m_tracked[folder][QStringLiteral("ours/kept")] = {"", "", ""};
+    const QByteArray name = objectName({});
+    m_tracked[folder][QStringLiteral("ours/kept")] = {name, name, name};
     repository.commitAll();
 }
 
@@ -116,21 +111,25 @@ void Scratch::put(const QString &repository, const QString &path,
         writeFile(whole, *content);
     else
         QFile::remove(whole);
-    m_tracked[repository][path].disk = content;
+    m_tracked[repository][path].disk = content ? std::optional(objectName(*content)) : std::nullopt;
 }
 
-void Scratch::expect(const QString &path, const std::optional<QByteArray> &content)
+TrackedFile Scratch::look(const QString &repository, const QString &path)
 {
-    const QString relative = QDir(m_home.path()).relativeFilePath(path);
-    if (content)
-        m_others[relative] = fileEntry(*content);
-    else
-        m_others.remove(relative);
+    TrackedFile file;
+    const QString whole = repository + u'/' + path;
+    if (QFile::exists(whole))
+        file.disk = objectName(readFile(whole));
+    const GitObjects index = objectsInIndex(repository, path);
+    if (index.contains(path))
+        file.index = index.value(path);
+    file.head = m_tracked[repository][path].head;
+    return file;
 }
 
-void Scratch::expectAsItIs(const QString &path)
+void Scratch::expect(const QString &path, const QByteArray &content)
 {
-    expect(path, readFile(path));
+    m_others[QDir(m_home.path()).relativeFilePath(path)] = fileEntry(objectName(content));
 }
 
 Manifest Scratch::expectedFiles() const
@@ -161,12 +160,8 @@ void Scratch::check() const
 void Scratch::checkGit(const QString &repository) const
 {
     const QMap<QString, TrackedFile> files = m_tracked.value(repository);
-    const QByteArray index = git(
-        repository, {QStringLiteral("ls-files"), QStringLiteral("-sz"), QStringLiteral("ours")});
-    requireSame(named(files, &TrackedFile::index), entries(index, 1),
+    requireSame(expectedObjects(files, &TrackedFile::index), objectsInIndex(repository, ours),
                 QStringLiteral("index of ") + repository);
-    const QByteArray head = git(repository, {QStringLiteral("ls-tree"), QStringLiteral("-rz"),
-                                             QStringLiteral("HEAD"), QStringLiteral("ours/")});
-    requireSame(named(files, &TrackedFile::head), entries(head, 2),
+    requireSame(expectedObjects(files, &TrackedFile::head), objectsInHead(repository, ours),
                 QStringLiteral("HEAD of ") + repository);
 }

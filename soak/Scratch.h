@@ -6,7 +6,7 @@
 
 #include <optional>
 
-/// A file of a repository: its content on the disk, in the index and in HEAD.
+/// A file of a repository: git's name for its content on the disk, in the index and in HEAD.
 struct TrackedFile {
     std::optional<QByteArray> disk = {};
     std::optional<QByteArray> index = {};
@@ -15,6 +15,8 @@ struct TrackedFile {
     bool isChanged() const { return disk != index || index != head; }
     bool isStaged() const { return index != head; }
     bool isWhollyStaged() const { return isStaged() && disk == index; }
+
+    bool operator==(const TrackedFile &) const = default;
 };
 
 /// A home with projects and repositories, and what has to be in it. Everything below "ours" in a
@@ -37,11 +39,11 @@ public:
     /// Puts a file of a repository on the disk, or takes it away.
     void put(const QString &repository, const QString &path,
              const std::optional<QByteArray> &content);
+    /// A file of a repository as it is now; what HEAD holds is taken from what has to be.
+    TrackedFile look(const QString &repository, const QString &path);
 
-    /// What a file outside of the repositories' own has to hold.
-    void expect(const QString &path, const std::optional<QByteArray> &content);
-    /// What it has to hold, which has been checked.
-    void expectAsItIs(const QString &path);
+    /// What a file outside of the repositories has to hold.
+    void expect(const QString &path, const QByteArray &content);
 
     /// Compares everything with what has to be. Throws a Finding.
     void check() const;

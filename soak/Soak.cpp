@@ -6,8 +6,10 @@
 #include "Finding.h"
 #include "Footprint.h"
 #include "NeighbourProcess.h"
+#include "Patience.h"
 #include "User.h"
 #include "app/Environment.h"
+#include "model/Background.h"
 #include "support/WindowTestMain.h"
 
 #include <QCommandLineParser>
@@ -94,6 +96,8 @@ public:
         }
         rest();
         compare();
+        m_user.close();
+        check();
         std::printf("%lld steps without a finding.\n", static_cast<long long>(m_step));
     }
 
@@ -145,12 +149,12 @@ private:
             std::printf("Too short to say whether memory, descriptors and threads come back.\n");
             return;
         }
-        require(m_now.descriptors == m_baseline->descriptors &&
-                    m_now.threads == m_baseline->threads &&
-                    m_now.children == m_baseline->children &&
-                    m_now.memory <= m_baseline->memory + memoryTolerance,
-                QStringLiteral("something is kept: at first %1; at the end %2")
-                    .arg(m_baseline->text(), m_now.text()));
+        require(
+            m_now.widgets == m_baseline->widgets && m_now.descriptors == m_baseline->descriptors &&
+                m_now.threads == m_baseline->threads && m_now.children == m_baseline->children &&
+                m_now.memory <= m_baseline->memory + memoryTolerance,
+            QStringLiteral("something is kept: at first %1; at the end %2")
+                .arg(m_baseline->text(), m_now.text()));
     }
 
     const Options m_options;
@@ -173,15 +177,20 @@ int main(int argc, char **argv)
     qputenv("LC_ALL", "C.UTF-8");
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     const WindowTestApplication application(argc, argv);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    for (QThreadPool *threads : {&Background::pool(), &Background::savingPool()})
+        threads->setExpiryTimeout(threadPatience);
     const Options chosen = options(application);
     catchSignals();
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    std::optional<Soak> soak;
     try {
-        Soak(chosen).run();
+        soak.emplace(chosen);
+        soak->run();
         return 0;
     } catch (const Finding &finding) {
         std::fflush(stdout);
         std::fprintf(stderr, "\nFOUND: %s\n%s\n", position, qPrintable(finding.what));
-        return 1;
+        ::_exit(1); // and leaves everything where it is
     }
 }

@@ -2,22 +2,19 @@
 #include "User.h"
 
 #include "Finding.h"
+#include "Patience.h"
 #include "app/ProjectListModel.h"
-#include "gui/LiveScreen.h"
 #include "model/Background.h"
-#include "model/PriceStore.h"
+#include "review/ActionGuard.h"
 #include "support/Input.h"
 
 #include <QApplication>
 #include <QPixmapCache>
 
-namespace {
-
-constexpr int patience = 60'000;
-
-} // namespace
-
-User::User(Scratch &scratch, quint64 seed) : m_scratch(scratch), m_seed(seed)
+User::User(Scratch &scratch, quint64 seed)
+    : m_scratch(scratch)
+    , m_seed(seed)
+    , m_palette(QApplication::palette())
 {
     openWindow();
 }
@@ -31,14 +28,21 @@ const std::vector<User::Deed> &User::deeds()
         {"changes the tab", &User::changeTab, 12},
         {"refreshes", &User::refresh, 10},
         {"changes the window's size", &User::resize, 4},
-        {"closes the window and opens it again", &User::reopen, 1},
+        {"changes the colours", &User::changeColors, 2},
+        {"changes the scope of the charts", &User::changeScope, 4},
         {"adds or removes a project", &User::addOrRemoveProject, 3},
+        {"closes the window and opens it again", &User::reopen, 2},
+        {"closes the window while it approves", &User::closeWhileApproving, 2},
+        {"closes the window while it rejects", &User::closeWhileRejecting, 2},
+        {"closes the window while it saves", &User::closeWhileSaving, 2},
         {"stops an agent", &User::stopAgent, 3},
-        {"edits a file of a repository", &User::editInRepository, 14},
-        {"approves", &User::approve, 8},
-        {"rejects", &User::reject, 8},
-        {"commits", &User::commit, 3},
+        {"shows the agents of one project", &User::showOnlyProject, 2},
+        {"edits files of a repository", &User::editInRepository, 16},
+        {"approves", &User::approve, 10},
+        {"rejects", &User::reject, 9},
+        {"commits", &User::commit, 5},
         {"edits instructions", &User::editInstructions, 6},
+        {"searches in instructions", &User::searchInstructions, 4},
         {"edits the prices", &User::editPrices, 3},
     };
     return all;
@@ -48,6 +52,8 @@ void User::step(qint64 number, const std::function<void(const QString &)> &tell)
 {
     const quint32 seeds[] = {quint32(m_seed), quint32(m_seed >> 32), quint32(number)};
     m_random = QRandomGenerator(seeds);
+    m_tell = tell;
+    m_told.clear();
     int weights = 0;
     for (const Deed &deed : deeds())
         weights += deed.weight;
@@ -55,7 +61,7 @@ void User::step(qint64 number, const std::function<void(const QString &)> &tell)
     for (const Deed &deed : deeds()) {
         left -= deed.weight;
         if (left < 0) {
-            tell(QString::fromLatin1(deed.name));
+            this->tell(QString::fromLatin1(deed.name));
             (this->*deed.run)();
             break;
         }
@@ -69,6 +75,7 @@ void User::rest()
     m_agents.clear();
     if (m_spareIsAdded)
         addOrRemoveProject();
+    QApplication::setPalette(m_palette);
     openProject(m_scratch.projects().at(1));
     openProject(m_scratch.projects().constFirst());
     openTab(0);
@@ -76,8 +83,18 @@ void User::rest()
     m_window->reload();
     settle();
     QPixmapCache::clear();
-    QTest::qWait(200);
+    // Idle threads end by themselves.
+    QTest::qWait(2 * threadPatience);
     settle();
+}
+
+void User::close()
+{
+    m_window->view().close();
+    m_window->destroy();
+    require(Background::finish(std::chrono::milliseconds(patience)),
+            QStringLiteral("background work does not end with the window"));
+    finishGitActions();
 }
 
 QString User::letters(int count)
@@ -86,6 +103,12 @@ QString User::letters(int count)
     for (int i = 0; i < count; ++i)
         text += QLatin1Char(char(below(5) == 0 ? ' ' : 'a' + below(26)));
     return text;
+}
+
+void User::tell(const QString &detail)
+{
+    m_told += m_told.isEmpty() ? detail : QStringLiteral(", ") + detail;
+    m_tell(m_told);
 }
 
 void User::openWindow()
@@ -101,6 +124,12 @@ void User::focus()
     view.activateWindow();
     const auto hasFocus = [&view] { return QGuiApplication::focusWindow() == view.windowHandle(); };
     require(QTest::qWaitFor(hasFocus, patience), QStringLiteral("the window gets no focus"));
+}
+
+void User::awaitNoDialog()
+{
+    require(QTest::qWaitFor([] { return !QApplication::activeModalWidget(); }, patience),
+            QStringLiteral("a dialog does not close"));
 }
 
 /// Waits until nothing is under way. A result may start the next work.
@@ -141,95 +170,4 @@ void User::openProject(const QString &folder)
     Input::clickCell(list, row);
     require(m_window->store().selection() == folder,
             QStringLiteral("not the project that was clicked on"));
-}
-
-void User::requireAgents() const
-{
-    for (const auto &agent : m_agents)
-        require(agent->isRunning(), QStringLiteral("an agent ended that nobody stopped"));
-}
-
-void User::changeProject()
-{
-    const QStringList &projects = m_scratch.projects();
-    openProject(projects.at(below(int(projects.size()))));
-}
-
-void User::changeTab()
-{
-    openTab(below(5));
-}
-
-void User::refresh()
-{
-    focus();
-    for (int i = below(3); i >= 0; --i) {
-        Input::key(Qt::Key_F5);
-        QTest::qWait(below(20));
-    }
-}
-
-void User::resize()
-{
-    m_window->view().resize(900 + below(300), 600 + below(300));
-}
-
-void User::reopen()
-{
-    m_window->destroy();
-    openWindow();
-}
-
-void User::addOrRemoveProject()
-{
-    const QString &spare = m_scratch.spareFolder();
-    QStringList added = m_scratch.projects();
-    focus();
-    if (m_spareIsAdded) {
-        m_window->projects()->scrollToBottom();
-        chooseEntry(m_window->menuOf(rowOf(spare)), QStringLiteral("Remove from list"));
-    } else {
-        m_window->store().addProject(spare);
-        added.append(spare);
-    }
-    m_spareIsAdded = !m_spareIsAdded;
-    const auto isThere = [this, &spare] { return (rowOf(spare) >= 0) == m_spareIsAdded; };
-    require(QTest::qWaitFor(isThere, patience),
-            QStringLiteral("the list of projects does not follow"));
-    (void)detail();
-    m_scratch.expect(m_scratch.home().support(QStringLiteral("projects.json")),
-                     PriceStore::encodeAdded(added));
-}
-
-void User::stopAgent()
-{
-    const QStringList names{QStringLiteral("claude"), QStringLiteral("codex"),
-                            QStringLiteral("gemini")};
-    const QByteArray temporary = qgetenv("TMPDIR");
-    qputenv("TMPDIR", m_scratch.neighbourFolder().toUtf8()); // they need files of their own
-    while (m_agents.size() < 3) {
-        const QString name = names.at(below(3));
-        const QString folder = m_scratch.projects().at(below(int(m_scratch.projects().size())));
-        m_agents.push_back(std::make_unique<AgentDouble>(name, folder));
-    }
-    qputenv("TMPDIR", temporary);
-
-    openTab(1);
-    const LiveScreen::Parts live(find<LiveView>(detail()));
-    const auto chosen = m_agents.begin() + below(int(m_agents.size()));
-    AgentDouble &agent = **chosen;
-    if (live.onlyProject->isChecked())
-        QTest::mouseClick(live.onlyProject, Qt::LeftButton, {}, QPoint(8, 8));
-    require(QTest::qWaitFor([&] { return live.shows(agent.pid()); }, patience),
-            QStringLiteral("an agent is not shown"));
-    require(live.askToStop(agent), QStringLiteral("no question, or about another process"));
-    requireAgents();
-    if (below(3) == 0) {
-        QTest::keyClick(live.dialog(), Qt::Key_Escape);
-        return;
-    }
-    require(live.confirm(agent), QStringLiteral("the question is about another process"));
-    require(QTest::qWaitFor([&] { return !agent.isRunning(); }, patience),
-            QStringLiteral("an agent does not stop"));
-    m_agents.erase(chosen);
 }

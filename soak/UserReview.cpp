@@ -3,19 +3,27 @@
 // What the user does to the repositories, in the Review tab and beside the window.
 
 #include "Finding.h"
+#include "Patience.h"
 #include "User.h"
 #include "review/Commit.h"
+#include "review/Repository.h"
 #include "support/Input.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPlainTextEdit>
-#include <QSet>
 
 namespace {
 
 const QString ours = QStringLiteral("ours/");
+constexpr int fileCount = 8;
+
+QString fileName(int number)
+{
+    return ours + QString::number(number) + QStringLiteral(".txt");
+}
 
 /// The rows with our files, by path.
 QMap<QString, int> oursIn(const QAbstractItemModel *model)
@@ -37,7 +45,7 @@ void User::editInRepository()
     const QStringList repositories = m_scratch.repositories();
     for (int i = 1 + below(3); i > 0; --i) {
         const QString repository = repositories.at(below(int(repositories.size())));
-        const QString path = ours + QString::number(below(8)) + QStringLiteral(".txt");
+        const QString path = fileName(below(fileCount));
         const TrackedFile file = m_scratch.tracked(repository).value(path);
         const bool isStagedAsGone = file.head && !file.index;
         if (isStagedAsGone)
@@ -83,67 +91,79 @@ void User::requireListed(const QString &repository) const
 }
 
 /// Selects a changed file of ours with the mouse, if there is one.
-std::optional<User::Chosen> User::choose(const QString &repository, bool toApprove)
+std::optional<User::Chosen> User::choose(bool toApprove)
 {
+    const QString repository = openReview();
     auto *list = find<QListView>(detail(), QStringLiteral("changes"));
-    QList<Chosen> possible;
     const QMap<QString, int> rows = oursIn(list->model());
-    for (auto it = rows.cbegin(); it != rows.cend(); ++it) {
-        if (!toApprove || !m_scratch.tracked(repository)[it.key()].isWhollyStaged())
-            possible.append({it.key(), it.value()});
+    // By name, so that it is the same one whatever became of the others.
+    const int first = below(fileCount);
+    for (int i = 0; i < fileCount; ++i) {
+        const QString path = fileName((first + i) % fileCount);
+        const Chosen chosen{repository, path, rows.value(path, -1)};
+        if (chosen.row < 0 || (toApprove && tracked(chosen).isWhollyStaged()))
+            continue;
+        tell(QFileInfo(repository).fileName() + u'/' + path);
+        list->scrollTo(list->model()->index(chosen.row, 0));
+        Input::clickCell(list, chosen.row);
+        settle();
+        return chosen;
     }
-    if (possible.isEmpty())
-        return {};
-    const Chosen chosen = possible.at(below(int(possible.size())));
-    list->scrollTo(list->model()->index(chosen.row, 0));
-    Input::clickCell(list, chosen.row);
-    settle();
-    return chosen;
+    return {};
 }
 
-bool User::gitWorked() const
+TrackedFile &User::tracked(const Chosen &chosen)
+{
+    return m_scratch.tracked(chosen.repository)[chosen.path];
+}
+
+/// Whether git did what it was told. When it could not, since the neighbour was at it, the window
+/// says so.
+bool User::gitWorked()
 {
     const auto *error = find<QPlainTextEdit>(detail(), QStringLiteral("error"));
     if (!error->isVisible())
         return true;
     const QString text = error->toPlainText();
     require(text.contains(QStringLiteral("index.lock")), QStringLiteral("git failed: ") + text);
+    tell(QStringLiteral("which a lock prevented"));
     return false;
 }
 
 void User::approve()
 {
-    const QString repository = openReview();
-    const auto chosen = choose(repository, true);
+    const auto chosen = choose(true);
     if (!chosen)
         return;
     Input::click(buttonOf(detail(), QStringLiteral("Approve")));
     settle();
-    TrackedFile &file = m_scratch.tracked(repository)[chosen->path];
+    TrackedFile &file = tracked(*chosen);
     if (gitWorked())
         file.index = file.disk;
-    requireListed(repository);
+    requireListed(chosen->repository);
 }
 
 void User::reject()
 {
-    const QString repository = openReview();
-    const auto chosen = choose(repository, false);
+    const auto chosen = choose(false);
     if (!chosen)
         return;
     Input::click(buttonOf(detail(), QStringLiteral("Reject")));
     auto *question = openDialog<QMessageBox>();
     if (below(4) == 0) {
+        tell(QStringLiteral("no"));
         Input::key(Qt::Key_Escape);
+        awaitNoDialog();
         settle();
-        return;
+        return requireListed(chosen->repository);
     }
+    tell(QStringLiteral("yes"));
     Input::click(buttonOf(question, QStringLiteral("Discard Changes")));
     settle();
-    TrackedFile &file = m_scratch.tracked(repository)[chosen->path];
+    TrackedFile &file = tracked(*chosen);
     if (gitWorked())
         file.disk = file.index = file.head;
-    requireListed(repository);
+    requireListed(chosen->repository);
 }
 
 void User::commit()
@@ -158,23 +178,39 @@ void User::commit()
         return;
     Input::click(button);
     auto *sheet = openDialog<QDialog>();
-    Input::type(u'a' + letters(30));
+    const QString subject = u'a' + letters(30).simplified();
+    Input::type(subject);
     if (below(4) == 0) {
+        tell(QStringLiteral("but does not"));
         Input::key(Qt::Key_Escape);
-        return;
+        return awaitNoDialog();
     }
+    tell(QFileInfo(repository).fileName());
     Input::click(buttonOf(sheet, QStringLiteral("Commit")));
     settle();
     if (QApplication::activeModalWidget()) { // the neighbour was at it
-        const auto *error = find<QPlainTextEdit>(sheet, QStringLiteral("error"));
-        const QString text = error->toPlainText();
-        require(text.contains(QStringLiteral(".lock")) ||
+        const QString text = find<QPlainTextEdit>(sheet, QStringLiteral("error"))->toPlainText();
+        // It may have committed what was staged of its own.
+        const bool isAllGone = !isStaged && text.contains(QStringLiteral("to commit"));
+        require(isAllGone || text.contains(QStringLiteral(".lock")) ||
                     text.contains(QStringLiteral("cannot lock")),
                 QStringLiteral("the commit failed: ") + text);
+        tell(QStringLiteral("which the neighbour prevented"));
         Input::key(Qt::Key_Escape);
-        return;
+        return awaitNoDialog();
     }
     for (TrackedFile &file : files)
         file.head = file.index;
+    requireCommitted(repository, subject);
     requireListed(repository);
+}
+
+void User::requireCommitted(const QString &repository, const QString &subject) const
+{
+    // The neighbour may have committed since.
+    const QByteArray log = git(
+        repository, {QStringLiteral("log"), QStringLiteral("-n30"), QStringLiteral("--format=%B")});
+    const QString message = subject + QStringLiteral("\n\n") + commitTrailer();
+    require(log.contains(message.toUtf8()),
+            QStringLiteral("no commit has this message: ") + subject);
 }
