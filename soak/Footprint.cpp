@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <malloc.h>
+#include <numeric>
 #include <unistd.h>
 
 namespace {
@@ -40,7 +41,10 @@ Footprint Footprint::now()
     now.memory = qint64(info.uordblks + info.hblkhd);
     now.resident = readFile(QStringLiteral("/proc/self/statm")).split(' ').value(1).toLongLong() *
                    ::sysconf(_SC_PAGESIZE);
-    now.widgets = QApplication::allWidgets().size();
+    for (const QWidget *widget : QApplication::allWidgets()) {
+        if (widget->windowType() != Qt::Desktop) // Qt's own, made when it is needed first
+            ++now.widgets[QString::fromLatin1(widget->metaObject()->className())];
+    }
     now.descriptors = entriesIn(QStringLiteral("/proc/self/fd"));
     now.threads = entriesIn(QStringLiteral("/proc/self/task"));
     now.children = childrenOfAllThreads();
@@ -53,8 +57,31 @@ QString Footprint::text() const
                           "%6 children")
         .arg(memory / 1000)
         .arg(resident / 1000)
-        .arg(widgets)
+        .arg(std::accumulate(widgets.cbegin(), widgets.cend(), 0))
         .arg(descriptors)
         .arg(threads)
         .arg(children);
+}
+
+QStringList Footprint::growthSince(const Footprint &before, qint64 memoryTolerance) const
+{
+    QStringList growth;
+    const auto add = [&growth](const QString &what, qint64 first, qint64 last) {
+        growth.append(
+            QStringLiteral("%1: %2 at first, %3 at the end").arg(what).arg(first).arg(last));
+    };
+    if (memory > before.memory + memoryTolerance)
+        add(QStringLiteral("bytes of memory"), before.memory, memory);
+    if (descriptors > before.descriptors)
+        add(QStringLiteral("descriptors"), before.descriptors, descriptors);
+    if (threads > before.threads)
+        add(QStringLiteral("threads"), before.threads, threads);
+    if (children > before.children)
+        add(QStringLiteral("children"), before.children, children);
+    for (auto it = widgets.cbegin(); it != widgets.cend(); ++it) {
+        const int first = before.widgets.value(it.key());
+        if (*it > first)
+            add(it.key(), first, *it);
+    }
+    return growth;
 }

@@ -9,7 +9,6 @@
 #include "support/Input.h"
 
 #include <QApplication>
-#include <QPixmapCache>
 
 User::User(Scratch &scratch, quint64 seed)
     : m_scratch(scratch)
@@ -39,8 +38,8 @@ const std::vector<User::Deed> &User::deeds()
         {"shows the agents of one project", &User::showOnlyProject, 2},
         {"edits files of a repository", &User::editInRepository, 16},
         {"approves", &User::approve, 10},
-        {"rejects", &User::reject, 9},
-        {"commits", &User::commit, 5},
+        {"rejects", &User::reject, 8},
+        {"commits", &User::commit, 8},
         {"edits instructions", &User::editInstructions, 6},
         {"searches in instructions", &User::searchInstructions, 4},
         {"edits the prices", &User::editPrices, 3},
@@ -82,7 +81,6 @@ void User::rest()
     m_window->view().resize(1000, 640);
     m_window->reload();
     settle();
-    QPixmapCache::clear();
     // Idle threads end by themselves.
     QTest::qWait(2 * threadPatience);
     settle();

@@ -108,6 +108,7 @@ bool User::addSpareFolder()
 /// Perhaps with a reload or a scan under way, for which nobody waits.
 void User::reopen()
 {
+    focus();
     if (below(2) == 0)
         Input::key(Qt::Key_F5);
     close();
