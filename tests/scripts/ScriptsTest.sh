@@ -46,7 +46,7 @@ set_up() {
     echo 'echo the window' >"$scratch/program"
     : >"$scratch/agents"
     printf '%s\n' alpha 'g++' gamma-dev >"$scratch/checkout/scripts/packages"
-    printf '%s\n' alpha >"$scratch/checkout/scripts/packages-fuzz"
+    printf '%s\n' alpha | tee "$scratch/checkout/scripts"/packages-{fuzz,soak} >/dev/null
     printf 'installed %s\n' alpha 'g++' gamma-dev unlisted >"$scratch/installed"
 }
 
@@ -378,6 +378,58 @@ case_fuzz_installs_its_own_packages_too() {
     expect 'calls of apt-get by test' "$(grep apt-get <<<"$calls")" ''
     call fuzz 7
     expect_part calls "$calls" 'install --yes --no-install-recommends clang'
+}
+
+# A soak that tells how it was called and does BODY.
+set_up_soak() {
+    local tool
+    for tool in mkfifo mktemp sleep; do
+        ln -s -- "$(command -v "$tool")" "$scratch/bin/$tool"
+    done
+    mkdir "$scratch/tmp"
+    # shellcheck disable=SC2016 # the program expands these
+    printf '%s\n' 'echo "$* on $QT_QPA_PLATFORM${DISPLAY:-}"; echo text >"$TMPDIR/file"' "${1:-}" \
+        >"$scratch/program"
+}
+
+case_soak_wants_a_number_of_minutes() {
+    local wrong
+    for wrong in '' 0 1.5 --seed=3 '7 --sed=3' '7 --seed=x' '7 8'; do
+        # shellcheck disable=SC2086 # these are several words
+        call soak $wrong
+        expect "status of '$wrong'" "$status" 1
+        expect_part "message of '$wrong'" "$err" 'Usage: scripts/soak MINUTES'
+        expect "calls of '$wrong'" "$calls" ''
+    done
+}
+
+case_soak_runs_on_a_display_of_its_own() {
+    set_up_soak
+    stub Xvfb 'echo 42 >&3; exec sleep 600'
+    call TMPDIR="$scratch/tmp" soak 7 --seed=3 --verbose
+    expect status "$status" 0
+    expect errors "$err" ''
+    expect output "${out##*$'\n'}" '--minutes=7 --seed=3 --verbose on xcb:42'
+    expect 'what is left' "$(find "$scratch/tmp" -mindepth 1)" ''
+    expect calls "${calls%%$'\nXvfb'*}" "${configured_dev%% -D*}$as_usual
+cmake --build checkout/build/dev --target plinthar_soak"
+}
+
+case_soak_keeps_everything_for_a_finding() {
+    set_up_soak 'exit 3'
+    call TMPDIR="$scratch/tmp" QT_QPA_PLATFORM=offscreen soak 7 --seed=3
+    expect status "$status" 1
+    expect_part output "$out" '--minutes=7 --seed=3 on offscreen'
+    expect_part 'the way back' "$out" 'scripts/soak 7 --seed=3'
+    expect_part 'the folder' "$out" "$(find "$scratch/tmp" -name tmp -mindepth 1)"
+    expect 'what is left' "$(cat "$scratch"/tmp/*/tmp/file)" text
+}
+
+case_soak_installs_its_own_packages_too() {
+    set_up_soak
+    echo xvfb >>"$scratch/checkout/scripts/packages-soak"
+    call TMPDIR="$scratch/tmp" QT_QPA_PLATFORM=offscreen soak 7
+    expect_part calls "$calls" 'install --yes --no-install-recommends xvfb'
 }
 
 case_a_failed_build_ends_it() {
