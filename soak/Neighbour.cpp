@@ -184,8 +184,9 @@ private:
             m_found = repository + QStringLiteral(": what is staged was changed by somebody else");
         else if (below(3) == 0)
             tryGit(repository, {QStringLiteral("status"), QStringLiteral("--short")});
-        else if (stage(repository) && below(2) == 0)
-            commit(repository);
+        else if (stage(repository) && below(2) == 0 && commit(repository) &&
+                 objectsInHead(repository, theirs) != m_staged.value(repository))
+            m_found = repository + QStringLiteral(": what was committed is not there");
     }
 
     bool stage(const QString &repository)

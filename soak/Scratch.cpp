@@ -26,7 +26,7 @@ bool isGitsOwn(const QString &path)
     return path.endsWith(u".lock");
 }
 
-/// What the neighbour changes, and what Qt and git keep for themselves.
+/// What the neighbour changes, and what Qt's fonts and git keep for themselves.
 bool isLeftOut(const QString &path)
 {
     for (const auto *folder : {u".cache", u".claude/projects", u"neighbour"}) {
@@ -35,8 +35,7 @@ bool isLeftOut(const QString &path)
     }
     const QString git = QStringLiteral("/.git/");
     const qsizetype inGit = path.indexOf(git);
-    return path.endsWith(u"/theirs") || path == u".config/QtProject.conf" ||
-           (inGit >= 0 && isGitsOwn(path.mid(inGit + git.size())));
+    return path.endsWith(u"/theirs") || (inGit >= 0 && isGitsOwn(path.mid(inGit + git.size())));
 }
 
 GitObjects expectedObjects(const QMap<QString, TrackedFile> &files,
