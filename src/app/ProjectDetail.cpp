@@ -4,8 +4,8 @@
 #include "context/ContextView.h"
 #include "live/LiveView.h"
 #include "review/ReviewView.h"
+#include "ui/CopyableLabel.h"
 #include "ui/Icons.h"
-#include "ui/TextLabel.h"
 #include "usage/SessionsView.h"
 #include "usage/UsageView.h"
 
@@ -85,11 +85,12 @@ QWidget *ProjectDetail::buildHeader()
 {
     auto *header = new QWidget(this);
     auto *name = new TextLabel(m_project.name(), {.size = TextStyle::Title3, .bold = true}, header);
-    auto *path = new TextLabel(m_project.path,
-                               {.size = TextStyle::Caption,
-                                .tone = TextLabel::Tone::Secondary,
-                                .overflow = TextLabel::Overflow::ElideHead},
-                               header);
+    auto *path = new CopyableLabel(m_project.path,
+                                   {.size = TextStyle::Caption,
+                                    .tone = TextLabel::Tone::Secondary,
+                                    .overflow = TextLabel::Overflow::ElideHead},
+                                   header);
+    setTabOrder(path, m_tabs); // which are older
     name->setObjectName(QStringLiteral("projectName"));
     path->setObjectName(QStringLiteral("projectPath"));
     auto *layout = new QVBoxLayout(header);

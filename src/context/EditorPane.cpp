@@ -4,8 +4,8 @@
 #include "context/ContextEditor.h"
 #include "context/FindBar.h"
 #include "context/WarningBar.h"
+#include "ui/CopyableLabel.h"
 #include "ui/Separator.h"
-#include "ui/TextLabel.h"
 #include "ui/ToolTips.h"
 
 #include <QHBoxLayout>
@@ -45,16 +45,20 @@ EditorPane::EditorPane(QWidget *parent)
 QWidget *EditorPane::buildToolBar()
 {
     auto *bar = new QWidget(this);
-    m_label = new TextLabel(
+    m_label = new CopyableLabel(
         QString(),
         {.size = TextStyle::Headline, .bold = true, .overflow = TextLabel::Overflow::ElideHead},
         bar);
     m_label->setObjectName(QStringLiteral("fileLabel"));
     m_words = new TextLabel(QString(), {.tone = TextLabel::Tone::Secondary}, bar);
     m_words->setObjectName(QStringLiteral("wordCount"));
+    m_words->setToolTip(
+        QStringLiteral("%1 finds in this file, %2 leaves the text")
+            .arg(QKeySequence(QKeySequence::Find).toString(QKeySequence::NativeText),
+                 QKeySequence(Qt::SHIFT | Qt::Key_Tab).toString(QKeySequence::NativeText)));
     m_words->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    m_status = new TextLabel(QString(),
-                             {.size = TextStyle::Caption, .tone = TextLabel::Tone::Secondary}, bar);
+    m_status = new CopyableLabel(
+        QString(), {.size = TextStyle::Caption, .tone = TextLabel::Tone::Secondary}, bar);
     m_status->setObjectName(QStringLiteral("status"));
     m_saveButton = new QPushButton(QStringLiteral("Save"), bar);
     m_saveButton->setObjectName(QStringLiteral("save"));

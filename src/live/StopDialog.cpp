@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "live/StopDialog.h"
 
+#include "ui/CopyAction.h"
 #include "ui/EmphasisButton.h"
 #include "ui/Fonts.h"
 #include "ui/ForeignText.h"
@@ -24,6 +25,8 @@ StopDialog::StopDialog(const AgentProcess &agent, QWidget *parent) : QMessageBox
     setInformativeText(QStringLiteral("%1 in %2 will be asked to terminate.")
                            .arg(agent.agent, ForeignText::breakable(agent.folder)));
     setUpLabels(title);
+    if (agent.folder.startsWith(u'/')) // it may not be known
+        addCopyAction(this, QStringLiteral("Copy Folder"), agent.folder);
 
     auto *stop = new EmphasisButton(EmphasisButton::Emphasis::Destructive,
                                     QStringLiteral("Send SIGTERM to PID %1").arg(agent.pid), this);

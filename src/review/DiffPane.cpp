@@ -3,11 +3,11 @@
 
 #include "review/DiffView.h"
 #include "ui/BusySign.h"
+#include "ui/CopyableLabel.h"
 #include "ui/EmphasisButton.h"
 #include "ui/EmptyState.h"
 #include "ui/ErrorText.h"
 #include "ui/Separator.h"
-#include "ui/TextLabel.h"
 
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -44,7 +44,7 @@ QWidget *DiffPane::buildToolBar()
 {
     using Emphasis = EmphasisButton::Emphasis;
     auto *bar = m_toolBar = new QWidget(this);
-    m_path = new TextLabel(
+    m_path = new CopyableLabel(
         QString(), {.size = TextStyle::Headline, .overflow = TextLabel::Overflow::ElideHead}, bar);
     m_path->setObjectName(QStringLiteral("selectedPath"));
     m_busySign = new BusySign(bar);
@@ -92,6 +92,7 @@ int DiffPane::toolBarHeight() const
 void DiffPane::setPath(const QString &path)
 {
     m_path->setText(path.isEmpty() ? QStringLiteral("Select a file") : path);
+    m_path->setCopyable(!path.isEmpty());
 }
 
 void DiffPane::setActions(const Actions &actions)

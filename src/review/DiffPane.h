@@ -6,12 +6,12 @@
 #include <QWidget>
 
 class BusySign;
+class CopyableLabel;
 class DiffView;
 class EmptyState;
 class ErrorText;
 class QPushButton;
 class QStackedWidget;
-class TextLabel;
 
 /// The right side of the Review screen: the selected file, what can be done with it, and its diff.
 class DiffPane : public QWidget {
@@ -58,7 +58,7 @@ private:
     void showPage(QWidget *page);
 
     QWidget *m_toolBar = nullptr;
-    TextLabel *m_path = nullptr;
+    CopyableLabel *m_path = nullptr;
     BusySign *m_busySign = nullptr;
     QPushButton *m_approveButton = nullptr;
     QPushButton *m_rejectButton = nullptr;

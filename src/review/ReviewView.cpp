@@ -8,6 +8,7 @@
 #include "review/DiffView.h"
 #include "review/GitActions.h"
 #include "review/TerminalText.h"
+#include "ui/CopyAction.h"
 #include "ui/EmphasisButton.h"
 #include "ui/EmptyState.h"
 #include "ui/ForeignText.h"
@@ -58,6 +59,7 @@ QMessageBox *makeConfirmation(const GitFile &file, QWidget *parent)
             ? QStringLiteral("This untracked file will be deleted.")
             : QStringLiteral("Staged and unstaged changes will be restored from HEAD. This cannot "
                              "be undone."));
+    addCopyAction(box, QStringLiteral("Copy Path"), file.path);
     return box;
 }
 
@@ -86,6 +88,7 @@ void ReviewView::buildLayout()
         m_project.path +
             QStringLiteral(" is not inside a Git work tree, so there is nothing to review."),
         this);
+    m_noRepo->setMessageCopyable();
     m_pages = new QStackedWidget(this);
     m_pages->addWidget(m_review);
     m_pages->addWidget(m_noRepo);

@@ -2,8 +2,8 @@
 #include "ui/EmptyState.h"
 
 #include "ui/Colors.h"
+#include "ui/CopyableLabel.h"
 #include "ui/Icons.h"
-#include "ui/TextLabel.h"
 
 #include <QPainter>
 #include <QVBoxLayout>
@@ -43,16 +43,17 @@ EmptyState::EmptyState(const QString &icon, const QString &title, const QString 
     , m_title(new TextLabel(
           title, {.size = TextStyle::Title3, .bold = true, .overflow = TextLabel::Overflow::Wrap},
           this))
-    , m_message(new TextLabel(
+    , m_message(new CopyableLabel(
           message, {.tone = TextLabel::Tone::Secondary, .overflow = TextLabel::Overflow::Wrap},
           this))
 {
     setObjectName(QStringLiteral("emptyState"));
-    for (TextLabel *label : {m_title, m_message}) {
+    for (TextLabel *label : {m_title, static_cast<TextLabel *>(m_message)}) {
         label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         label->setMaximumWidth(widestMessage);
     }
     m_message->setVisible(!message.isEmpty());
+    m_message->setCopyable(false);
 
     auto *stack = new QVBoxLayout(this);
     stack->setContentsMargins(padding, padding, padding, padding);
@@ -78,4 +79,9 @@ void EmptyState::setMessage(const QString &message)
 {
     m_message->setText(message);
     m_message->setVisible(!message.isEmpty());
+}
+
+void EmptyState::setMessageCopyable()
+{
+    m_message->setCopyable(true);
 }

@@ -3,6 +3,7 @@
 
 #include <QWidget>
 
+class CopyableLabel;
 class TextLabel;
 
 /// What a screen shows when it has nothing to show: a symbol, a title and a message in the middle
@@ -18,9 +19,11 @@ public:
     QString title() const;
     QString message() const;
     void setMessage(const QString &message);
+    /// For a message that tells a path.
+    void setMessageCopyable();
 
 private:
     const QString m_icon;
     TextLabel *m_title;
-    TextLabel *m_message;
+    CopyableLabel *m_message;
 };

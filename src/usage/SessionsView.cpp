@@ -79,6 +79,9 @@ QWidget *SessionsView::buildHeader()
     auto *header = new QWidget(this);
     m_summary = new TextLabel(QString(), {.tone = TextLabel::Tone::Secondary}, header);
     m_summary->setObjectName(QStringLiteral("summary"));
+    m_summary->setToolTip(
+        QStringLiteral("%1 copies the selected sessions")
+            .arg(QKeySequence(QKeySequence::Copy).toString(QKeySequence::NativeText)));
     m_pricesButton = new QPushButton(QStringLiteral("Price Table\u2026"), header);
     m_reloadButton = new QPushButton(symbolIcon(u"arrow.clockwise", QPalette::ButtonText),
                                      QStringLiteral("Reload"), header);
@@ -102,6 +105,7 @@ QWidget *SessionsView::buildBody()
     m_busyPage = new BusyPage(QStringLiteral("Reading sessions\u2026"), this);
     m_emptyPage = new EmptyState(QStringLiteral("tray"), QStringLiteral("No sessions found"),
                                  emptyMessage(), this);
+    m_emptyPage->setMessageCopyable();
     m_body = new QStackedWidget(this);
     for (QWidget *page :
          {m_busyPage, static_cast<QWidget *>(m_emptyPage), static_cast<QWidget *>(m_table)})
