@@ -7,6 +7,7 @@
 #include "context/EditorPane.h"
 #include "context/InstructionFile.h"
 #include "ui/BusyPage.h"
+#include "ui/CurrentRow.h"
 #include "ui/EmptyState.h"
 #include "ui/PaneSplitter.h"
 
@@ -87,6 +88,7 @@ QWidget *ContextView::buildList()
     m_list->setObjectName(QStringLiteral("contextFiles"));
     m_list->setAccessibleName(QStringLiteral("Instruction files"));
     m_list->setModel(m_model);
+    letCurrentRowFollowSelection(m_list);
     m_list->setItemDelegate(new ContextDelegate(m_list));
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_list->setFrameShape(QFrame::NoFrame);

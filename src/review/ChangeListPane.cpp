@@ -3,6 +3,7 @@
 
 #include "review/ChangeDelegate.h"
 #include "review/ChangeListModel.h"
+#include "ui/CurrentRow.h"
 #include "ui/EmptyState.h"
 #include "ui/Icons.h"
 #include "ui/Separator.h"
@@ -21,6 +22,11 @@ constexpr int smallestWidth = 240;
 constexpr int usualWidth = 280;
 constexpr int largestWidth = 400;
 constexpr int padding = 8;
+
+QString keyText(Qt::Key key)
+{
+    return QKeySequence(key).toString(QKeySequence::NativeText);
+}
 
 } // namespace
 
@@ -62,6 +68,11 @@ QWidget *ChangeListPane::buildHeader()
         QStringLiteral("Look for changes again (%1)")
             .arg(QKeySequence(QKeySequence::Refresh).toString(QKeySequence::NativeText)));
     connect(m_refreshButton, &QToolButton::clicked, this, &ChangeListPane::refreshRequested);
+    m_count->setToolTip(
+        QStringLiteral("%1 and %2 walk the files, %3 and %4 scroll the diff, N and P go to the "
+                       "next and the previous hunk")
+            .arg(keyText(Qt::Key_Up), keyText(Qt::Key_Down), keyText(Qt::Key_PageUp),
+                 keyText(Qt::Key_PageDown)));
     auto *layout = new QHBoxLayout(header);
     layout->setContentsMargins(padding, padding, padding, padding);
     layout->addWidget(m_count, 1);
@@ -74,6 +85,7 @@ void ChangeListPane::buildList()
     m_list->setObjectName(QStringLiteral("changes"));
     m_list->setAccessibleName(QStringLiteral("Changed files"));
     m_list->setModel(m_model);
+    letCurrentRowFollowSelection(m_list);
     m_list->setItemDelegate(new ChangeDelegate(m_list));
     m_list->setUniformItemSizes(true);
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -2,6 +2,7 @@
 #include "ui/TableView.h"
 
 #include "ui/CellDelegate.h"
+#include "ui/CurrentRow.h"
 #include "ui/TableHeader.h"
 
 #include <QClipboard>
@@ -41,6 +42,7 @@ void TableView::setModel(QAbstractItemModel *model)
     connect(model, &QAbstractItemModel::rowsRemoved, this, &TableView::restoreTop);
     connect(model, &QAbstractItemModel::rowsInserted, this, &TableView::ensureCurrent);
     connect(model, &QAbstractItemModel::modelReset, this, &TableView::ensureCurrent);
+    letCurrentRowFollowSelection(this);
     ensureCurrent();
 }
 
