@@ -5,7 +5,9 @@
 #include "app/ProjectDelegate.h"
 #include "app/ProjectListModel.h"
 #include "app/ReloadFoot.h"
+#include "app/SidebarAccessible.h"
 #include "model/Store.h"
+#include "ui/CurrentRow.h"
 #include "ui/EmptyState.h"
 #include "ui/Icons.h"
 #include "ui/TextLabel.h"
@@ -40,6 +42,8 @@ Sidebar::Sidebar(Store &store, QWidget *parent)
 {
     setMinimumWidth(smallestWidth);
     setFocusProxy(m_list);
+    SidebarAccessible::install();
+    setAccessibleName(QStringLiteral("Projects"));
     buildList();
     m_body->addWidget(m_list);
     m_body->addWidget(m_emptyState);
@@ -65,6 +69,9 @@ QWidget *Sidebar::buildToolBar()
         QStringLiteral("Projects"),
         {.size = TextStyle::Caption, .bold = true, .tone = TextLabel::Tone::Secondary}, bar);
     title->setBuddy(m_list);
+    title->setToolTip(
+        QStringLiteral("The menu key opens the menu of a project, %1 quits Plinthar")
+            .arg(QKeySequence(Qt::CTRL | Qt::Key_Q).toString(QKeySequence::NativeText)));
     auto *addButton = new QToolButton(bar);
     addButton->setObjectName(QStringLiteral("addProject"));
     addButton->setText(QStringLiteral("Add Project"));
@@ -88,6 +95,7 @@ void Sidebar::buildList()
     m_list->setObjectName(QStringLiteral("projects"));
     m_list->setAccessibleName(QStringLiteral("Projects"));
     m_list->setModel(m_model);
+    letCurrentRowFollowSelection(m_list);
     m_list->setItemDelegate(new ProjectDelegate(m_list));
     m_list->setUniformItemSizes(true);
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -157,12 +165,24 @@ void Sidebar::showContextMenu(const QPoint &position)
     const Project project = m_model->rows().at(index.row()).project;
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    m_menu = menu;
     if (project.added)
         menu->addAction(QStringLiteral("Remove from list"), &m_store,
                         [this, project] { m_store.removeProject(project); });
     menu->addAction(QStringLiteral("Reveal in Finder"), this,
                     [this, project] { revealInFileManager(project.path, this); });
     menu->popup(m_list->viewport()->mapToGlobal(position));
+}
+
+void Sidebar::showMenuOfSelected()
+{
+    m_list->scrollTo(m_list->currentIndex());
+    showContextMenu(m_list->visualRect(m_list->currentIndex()).center());
+}
+
+QMenu *Sidebar::openMenu() const
+{
+    return m_menu && m_menu->isVisible() ? m_menu.data() : nullptr;
 }
 
 void Sidebar::chooseFolder()

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
 class ProjectListModel;
 class QListView;
+class QMenu;
 class QStackedWidget;
 class Store;
 struct Project;
@@ -16,6 +18,10 @@ public:
     explicit Sidebar(Store &store, QWidget *parent = nullptr);
 
     QSize sizeHint() const override;
+    /// Opens the context menu of the selected project; none when there is no such project.
+    void showMenuOfSelected();
+    /// The context menu while it is open.
+    QMenu *openMenu() const;
 
 private:
     QWidget *buildToolBar();
@@ -34,6 +40,7 @@ private:
     QListView *m_list;
     QWidget *m_emptyState;
     QStackedWidget *m_body;
+    QPointer<QMenu> m_menu;
     bool m_loaded = false;   // only after a first reload is an empty list worth a message
     bool m_updating = false; // the list follows the store, and not the other way round
 };

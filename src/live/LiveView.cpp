@@ -3,14 +3,15 @@
 
 #include "live/FolderDelegate.h"
 #include "live/LiveModel.h"
+#include "live/StopButtons.h"
 #include "live/StopDelegate.h"
 #include "live/StopDialog.h"
 #include "model/Files.h"
+#include "ui/CopyableLabel.h"
 #include "ui/EmptyState.h"
 #include "ui/Fonts.h"
 #include "ui/Separator.h"
 #include "ui/TableView.h"
-#include "ui/TextLabel.h"
 
 #include <QAccessible>
 #include <QCheckBox>
@@ -18,6 +19,8 @@
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
@@ -62,6 +65,7 @@ LiveView::LiveView(const Project &project, ScanLoop::Scanner scanner, QWidget *p
     layout->addWidget(new Separator(Qt::Horizontal, this));
     layout->addWidget(buildBody(), 1);
     connectSignals();
+    StopButtons::install();
     showAgents();
 }
 
@@ -71,10 +75,14 @@ QWidget *LiveView::buildHeader()
     m_summary = new TextLabel(QString(), {.tone = TextLabel::Tone::Secondary}, header);
     m_summary->setObjectName(QStringLiteral("summary"));
     m_summary->setToolTip(
-        QStringLiteral("%1 refreshes now")
-            .arg(QKeySequence(QKeySequence::Refresh).toString(QKeySequence::NativeText)));
-    m_message = new TextLabel(QString(),
-                              {.size = TextStyle::Caption, .tone = TextLabel::Tone::Error}, header);
+        QStringLiteral("%1 refreshes now, %2 or %3 asks whether to stop the selected agent, %4 "
+                       "copies the selected rows")
+            .arg(QKeySequence(QKeySequence::Refresh).toString(QKeySequence::NativeText),
+                 QKeySequence(Qt::Key_Delete).toString(QKeySequence::NativeText),
+                 QKeySequence(Qt::Key_Return).toString(QKeySequence::NativeText),
+                 QKeySequence(QKeySequence::Copy).toString(QKeySequence::NativeText)));
+    m_message = new CopyableLabel(
+        QString(), {.size = TextStyle::Caption, .tone = TextLabel::Tone::Error}, header);
     m_message->setObjectName(QStringLiteral("message"));
     m_message->hide();
     m_onlyProject = new QCheckBox(QStringLiteral("Only this project"), header);
@@ -152,6 +160,16 @@ void LiveView::showAgents()
         m_body->setCurrentWidget(m_table);
     else
         m_body->setCurrentWidget(m_scanned ? m_emptyPage : m_scanningPage);
+}
+
+QModelIndex LiveView::stopCell(qint32 pid) const
+{
+    const QList<AgentProcess> &agents = m_model->rows();
+    const auto agent = std::find_if(agents.cbegin(), agents.cend(),
+                                    [pid](const AgentProcess &each) { return each.pid == pid; });
+    return agent == agents.cend()
+               ? QModelIndex()
+               : m_model->index(static_cast<int>(agent - agents.cbegin()), LiveModel::Stop);
 }
 
 void LiveView::askToStop(const QModelIndex &index)

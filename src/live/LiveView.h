@@ -5,13 +5,13 @@
 #include "live/ScanLoop.h"
 #include "model/Project.h"
 
+#include <QModelIndex>
 #include <QWidget>
 
 #include <optional>
 
 class LiveModel;
 class QCheckBox;
-class QModelIndex;
 class QStackedWidget;
 class TableView;
 class TextLabel;
@@ -23,6 +23,12 @@ class LiveView : public QWidget {
 public:
     explicit LiveView(const Project &project, ScanLoop::Scanner scanner = scanMachine,
                       QWidget *parent = nullptr);
+
+    TableView *table() const { return m_table; }
+    /// The cell of a process that stands for its Stop button; invalid when it is not listed.
+    QModelIndex stopCell(qint32 pid) const;
+    /// Asks whether to stop the process of a row.
+    void askToStop(const QModelIndex &index);
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -41,7 +47,6 @@ private:
 
     void take(const Scan &scan);
     void showAgents();
-    void askToStop(const QModelIndex &index);
     void stopPending();
     void setMessage(const std::optional<QString> &message);
 

@@ -14,7 +14,7 @@ NumberField::NumberField(double value, QWidget *parent) : QLineEdit(parent), m_v
 
 double NumberField::value() const
 {
-    if (!isModified())
+    if (text() == m_shown) // isModified() would not count what assistive technology writes
         return m_value;
     bool isNumber = false;
     const double value = m_locale.toDouble(text().trimmed(), &isNumber);
@@ -37,5 +37,6 @@ void NumberField::finishEditing()
 void NumberField::showValue()
 {
     m_locale = locale();
-    setText(m_locale.toString(m_value, 'f', QLocale::FloatingPointShortest));
+    m_shown = m_locale.toString(m_value, 'f', QLocale::FloatingPointShortest);
+    setText(m_shown);
 }

@@ -22,5 +22,6 @@ private:
     void showValue();
 
     double m_value;
+    QString m_shown; // the value as text
     QLocale m_locale; // in which the text stands
 };

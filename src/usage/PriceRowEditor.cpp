@@ -49,7 +49,7 @@ QLineEdit *PriceRowEditor::addKeyField(const QString &key)
     auto *field = new QLineEdit(key, this);
     field->setFixedWidth(keyWidth);
     field->setPlaceholderText(QStringLiteral("key"));
-    connect(field, &QLineEdit::textEdited, this, &PriceRowEditor::updateNames);
+    connect(field, &QLineEdit::textChanged, this, &PriceRowEditor::updateNames);
     layout()->addWidget(field);
     return field;
 }
