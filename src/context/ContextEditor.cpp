@@ -111,6 +111,12 @@ void ContextEditor::useSystemFont()
     setTabStopDistance(documentStyle().tabWidth);
 }
 
+bool ContextEditor::focusNextPrevChild(bool next)
+{
+    // Tab writes one. With no key that leads out, who has no mouse could not leave the text.
+    return next ? QPlainTextEdit::focusNextPrevChild(next) : QWidget::focusNextPrevChild(next);
+}
+
 void ContextEditor::keyPressEvent(QKeyEvent *event)
 {
     // Qt would put a U+2028 into the text, which no agent takes for a new line.

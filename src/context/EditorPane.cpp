@@ -27,13 +27,14 @@ EditorPane::EditorPane(QWidget *parent)
                          "session. Consider trimming."),
           this))
     , m_editor(new ContextEditor(this))
-    , m_findBar(new FindBar(m_editor, this))
 {
     m_warning->setObjectName(QStringLiteral("warning"));
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(buildToolBar());
+    layout->addWidget(buildToolBar()); // first, because Tab goes in the order of making
+    m_findBar = new FindBar(m_editor, this);
+    setTabOrder(m_findBar->lastStop(), m_editor); // which is older
     layout->addWidget(m_warning);
     layout->addWidget(new Separator(Qt::Horizontal, this));
     layout->addWidget(m_findBar);

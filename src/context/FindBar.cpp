@@ -52,19 +52,19 @@ FindBar::FindBar(ContextEditor *editor, QWidget *parent)
                                 withKey(u"Previous match", QKeySequence::FindPrevious), this);
     auto *next =
         makeButton(u"findNext", u"Next", withKey(u"Next match", QKeySequence::FindNext), this);
-    auto *done = makeButton(u"findDone", u"Done", QStringLiteral("Close the find bar (Esc)"), this);
+    m_done = makeButton(u"findDone", u"Done", QStringLiteral("Close the find bar (Esc)"), this);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(padding, padding / 2, padding, padding / 2);
     layout->addWidget(m_field, 1);
     layout->addWidget(previous);
     layout->addWidget(next);
     layout->addWidget(m_message, 1);
-    layout->addWidget(done);
+    layout->addWidget(m_done);
     hide();
     connect(m_field, &QLineEdit::textEdited, this, &FindBar::findTyped);
     connect(previous, &QToolButton::clicked, this, &FindBar::findPrevious);
     connect(next, &QToolButton::clicked, this, &FindBar::findNext);
-    connect(done, &QToolButton::clicked, this, &FindBar::finish);
+    connect(m_done, &QToolButton::clicked, this, &FindBar::finish);
 }
 
 void FindBar::start()
@@ -82,6 +82,11 @@ void FindBar::finish()
 {
     hide();
     m_editor->setFocus(Qt::OtherFocusReason);
+}
+
+QWidget *FindBar::lastStop() const
+{
+    return m_done;
 }
 
 void FindBar::clearMessage()

@@ -5,6 +5,7 @@
 
 class ContextEditor;
 class QLineEdit;
+class QToolButton;
 class TextLabel;
 
 /// A slim bar that looks for plain text in the editor, upper and lower case alike. It is hidden
@@ -22,6 +23,8 @@ public:
     void clearMessage();
     void findNext();
     void findPrevious();
+    /// Where Tab comes last in the bar.
+    QWidget *lastStop() const;
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -34,4 +37,5 @@ private:
     ContextEditor *m_editor;
     QLineEdit *m_field;
     TextLabel *m_message;
+    QToolButton *m_done = nullptr;
 };
