@@ -5,6 +5,7 @@
 #include "support/WindowTestMain.h"
 #include "ui/CellDelegate.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -209,6 +210,34 @@ private Q_SLOTS:
         shown.model.removeRows(60, 10);
         QCoreApplication::processEvents();
         QCOMPARE(textAtTheTop(shown.table), u"50"_qs);
+    }
+
+    /// As assistive technology does it.
+    void theCurrentRowFollowsASelectionWithoutKeys()
+    {
+        Shown shown;
+        for (const QString &text : {u"a"_qs, u"b"_qs, u"c"_qs})
+            shown.model.appendRow(rowOf({text, text}));
+        shown.table.setCurrentIndex(shown.model.index(0, 1));
+        QAccessibleTableInterface *table =
+            QAccessible::queryAccessibleInterface(&shown.table)->tableInterface();
+        table->unselectRow(0);
+        QVERIFY(table->selectRow(2));
+        QCOMPARE(shown.table.currentIndex(), shown.model.index(2, 1));
+        // One of two is not what the keys should be about all of a sudden.
+        QVERIFY(table->selectRow(0));
+        QCOMPARE(shown.table.currentIndex(), shown.model.index(2, 1));
+    }
+
+    void theCurrentRowStaysWhereCtrlTookItOut()
+    {
+        Shown shown;
+        for (const QString &text : {u"a"_qs, u"b"_qs})
+            shown.model.appendRow(rowOf({text, text}));
+        shown.table.selectAll();
+        Input::clickCell(&shown.table, 1, 0, {.modifiers = Qt::ControlModifier});
+        QCOMPARE(shown.table.selectionModel()->selectedRows().size(), 1);
+        QCOMPARE(shown.table.currentIndex().row(), 1);
     }
 
 private:
