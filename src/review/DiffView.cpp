@@ -193,8 +193,10 @@ bool DiffView::viewportEvent(QEvent *event)
         help->globalPos(),
         overNumbers
             ? QStringLiteral("Next hunk (N), previous hunk (P), other side "
-                             "(F6), copy (%1), select the side (%2)")
-                  .arg(QKeySequence(QKeySequence::Copy).toString(QKeySequence::NativeText),
+                             "(F6), scroll (%1, %2), copy (%3), select the side (%4)")
+                  .arg(QKeySequence(Qt::Key_PageUp).toString(QKeySequence::NativeText),
+                       QKeySequence(Qt::Key_PageDown).toString(QKeySequence::NativeText),
+                       QKeySequence(QKeySequence::Copy).toString(QKeySequence::NativeText),
                        QKeySequence(QKeySequence::SelectAll).toString(QKeySequence::NativeText))
             : QString(),
         viewport());

@@ -98,6 +98,9 @@ QLayout *PriceEditor::buildFooter()
     auto *cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
     auto *saveButton = new QPushButton(QStringLiteral("Save"), this);
     saveButton->setDefault(true);
+    saveButton->setToolTip(
+        QStringLiteral("Save the table (%1)")
+            .arg(QKeySequence(Qt::Key_Return).toString(QKeySequence::NativeText)));
     connect(addRowButton, &QPushButton::clicked, this, &PriceEditor::addRow);
     connect(resetButton, &QPushButton::clicked, this, [this] { setRows(PriceStore::defaults()); });
     connect(cancelButton, &QPushButton::clicked, this, &QDialog::reject);

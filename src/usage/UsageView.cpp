@@ -9,6 +9,7 @@
 #include "ui/TextLabel.h"
 #include "usage/BarChart.h"
 
+#include <QKeySequence>
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -65,14 +66,26 @@ BarChart *dayChartWidget(const QString &name, const QString &objectName, Measure
     return chart;
 }
 
+/// Says on the title of a chart which keys walk it.
+void tellKeys(QWidget *title, Qt::Key back, Qt::Key forth)
+{
+    const auto text = [](Qt::Key key) {
+        return QKeySequence(key).toString(QKeySequence::NativeText);
+    };
+    title->setToolTip(QStringLiteral("%1, %2, %3 and %4 walk the bars of the chart")
+                          .arg(text(back), text(forth), text(Qt::Key_Home), text(Qt::Key_End)));
+}
+
 /// A caption over a chart.
 QLayout *projectColumn(const QString &caption, BarChart *chart)
 {
     auto *column = new QVBoxLayout;
     column->setSpacing(4);
-    column->addWidget(
+    auto *label =
         new TextLabel(caption, {.size = TextStyle::Caption, .tone = TextLabel::Tone::Secondary},
-                      chart->parentWidget()));
+                      chart->parentWidget());
+    tellKeys(label, Qt::Key_Up, Qt::Key_Down);
+    column->addWidget(label);
     column->addWidget(chart, 1);
     return column;
 }
@@ -127,6 +140,7 @@ QWidget *UsageView::buildPage()
          {std::pair{m_tokensTitle, m_dayTokens}, std::pair{m_costTitle, m_dayCost}}) {
         auto *item = new QVBoxLayout;
         item->setSpacing(titleSpacing);
+        tellKeys(title, Qt::Key_Left, Qt::Key_Right);
         item->addWidget(title);
         item->addWidget(chart);
         layout->addLayout(item);
