@@ -63,6 +63,20 @@ void ContentView::addShortcuts()
     connect(quit, &QShortcut::activated, this, &QWidget::close);
 }
 
+/// Qt tells only windows that the application's font is another one. What has a font of a size of
+/// its own hears it from here, and follows.
+bool ContentView::event(QEvent *event)
+{
+    const bool taken = QMainWindow::event(event);
+    if (event->type() != QEvent::ApplicationFontChange)
+        return taken;
+    for (QWidget *inside : findChildren<QWidget *>()) {
+        QEvent told(QEvent::ApplicationFontChange);
+        QCoreApplication::sendEvent(inside, &told);
+    }
+    return taken;
+}
+
 void ContentView::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);

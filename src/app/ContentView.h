@@ -15,6 +15,7 @@ public:
     explicit ContentView(Store &store, QWidget *parent = nullptr);
 
 protected:
+    bool event(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 

@@ -26,11 +26,8 @@ namespace {
 
 constexpr int padding = 10;
 
-void setUpTable(TableView *table)
+void measureTable(TableView *table)
 {
-    table->setObjectName(QStringLiteral("agents"));
-    table->setAccessibleName(QStringLiteral("Running agents"));
-    table->setItemDelegateForColumn(LiveModel::Folder, new FolderDelegate(table));
     table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().lineSpacing() + 14);
     const QFont bold = textFont(TextStyle::Body, true);
     table->setFixedColumn(LiveModel::Agent, 100, QStringLiteral("cursor-agent"), bold);
@@ -39,6 +36,14 @@ void setUpTable(TableView *table)
     table->setFixedColumn(LiveModel::Uptime, 90, QStringLiteral("100-00:00:00"), numberFont());
     table->setFixedColumn(LiveModel::Stop,
                           qMax(60, StopDelegate::columnWidth(table->fontMetrics())));
+}
+
+void setUpTable(TableView *table)
+{
+    table->setObjectName(QStringLiteral("agents"));
+    table->setAccessibleName(QStringLiteral("Running agents"));
+    table->setItemDelegateForColumn(LiveModel::Folder, new FolderDelegate(table));
+    table->setMeasures(measureTable);
     table->horizontalHeader()->setSectionResizeMode(LiveModel::Folder, QHeaderView::Stretch);
 }
 

@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QRadioButton>
 #include <QToolTip>
+#include <QtMath>
 
 namespace {
 
@@ -35,9 +36,10 @@ public:
 
     QSize sizeHint() const override
     {
-        const QFontMetrics metrics = fontMetrics();
-        return {metrics.horizontalAdvance(ForeignText::title(m_label)) + 2 * padding,
-                metrics.height() + 8};
+        // Rounded down, it would be elided for the missing fraction of a pixel.
+        const int text =
+            qCeil(QFontMetricsF(font()).horizontalAdvance(ForeignText::title(m_label)));
+        return {text + 1 + 2 * padding, fontMetrics().height() + 8};
     }
     QSize minimumSizeHint() const override { return {2 * padding, sizeHint().height()}; }
 
@@ -114,6 +116,28 @@ int SegmentedSwitch::current() const
 void SegmentedSwitch::setCurrent(int segment)
 {
     m_segments->button(segment)->setChecked(true);
+}
+
+void SegmentedSwitch::setUsualWidth(int width, int segment)
+{
+    m_usualWidth = width;
+    m_wholeSegment = segment;
+    fitWidth();
+}
+
+void SegmentedSwitch::fitWidth()
+{
+    const int count = static_cast<int>(m_segments->buttons().size());
+    const int segment = m_segments->button(m_wholeSegment)->sizeHint().width();
+    setFixedWidth(qMax(m_usualWidth, count * segment + (count + 1) * margin));
+}
+
+void SegmentedSwitch::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    // The segments have their new font only when all widgets have been told.
+    if (event->type() == QEvent::FontChange && m_wholeSegment >= 0)
+        QMetaObject::invokeMethod(this, &SegmentedSwitch::fitWidth, Qt::QueuedConnection);
 }
 
 void SegmentedSwitch::paintEvent(QPaintEvent *)

@@ -14,6 +14,9 @@ public:
     /// The first one is chosen. Labels that are too long are shortened, and whole in the tooltip.
     explicit SegmentedSwitch(const QStringList &labels, QWidget *parent = nullptr);
 
+    /// Gives the switch a width, or more where the user's font needs it to show that segment whole.
+    void setUsualWidth(int width, int segment);
+
     int current() const;
     void setCurrent(int segment);
 
@@ -22,8 +25,13 @@ Q_SIGNALS:
     void currentChanged(int segment);
 
 protected:
+    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void fitWidth();
+
     QButtonGroup *m_segments;
+    int m_usualWidth = 0;
+    int m_wholeSegment = -1;
 };

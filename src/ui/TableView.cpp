@@ -14,6 +14,7 @@
 #include <QtMath>
 
 #include <algorithm>
+#include <utility>
 
 TableView::TableView(QWidget *parent) : QTableView(parent)
 {
@@ -44,6 +45,19 @@ void TableView::setModel(QAbstractItemModel *model)
     connect(model, &QAbstractItemModel::modelReset, this, &TableView::ensureCurrent);
     letCurrentRowFollowSelection(this);
     ensureCurrent();
+}
+
+void TableView::setMeasures(std::function<void(TableView *)> measures)
+{
+    m_measures = std::move(measures);
+    m_measures(this);
+}
+
+void TableView::measure()
+{
+    m_measuring = false;
+    m_minimumWidths.clear();
+    m_measures(this);
 }
 
 void TableView::setFixedColumn(int column, int width)
@@ -106,6 +120,14 @@ QString TableView::selectedHtml() const
         html += QStringLiteral("</tr>");
     }
     return QStringLiteral("<table>") + html + QStringLiteral("</table>");
+}
+
+void TableView::changeEvent(QEvent *event)
+{
+    QTableView::changeEvent(event);
+    // The header has its new font only when all widgets have been told.
+    if (event->type() == QEvent::FontChange && m_measures && !std::exchange(m_measuring, true))
+        QMetaObject::invokeMethod(this, &TableView::measure, Qt::QueuedConnection);
 }
 
 void TableView::keyPressEvent(QKeyEvent *event)

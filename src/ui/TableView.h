@@ -5,6 +5,8 @@
 #include <QPersistentModelIndex>
 #include <QTableView>
 
+#include <functional>
+
 /// A table of records: whole rows are selected, all rows are equally high, rows that come and go
 /// above do not move what is seen, and copying puts the selected rows on the clipboard, as a table
 /// in HTML and as tab-separated text.
@@ -16,6 +18,10 @@ public:
     /// Also gives the table a current cell as soon as it has rows: without one, Qt 6.4 is reported
     /// to crash under a screen reader.
     void setModel(QAbstractItemModel *model) override;
+
+    /// Sets what depends on the font, the widths of columns and the height of rows: now, and again
+    /// whenever the font has changed.
+    void setMeasures(std::function<void(TableView *)> measures);
 
     /// Gives a column its width. All widths are at least what the column's title needs.
     void setFixedColumn(int column, int width);
@@ -33,17 +39,21 @@ public:
     QString selectedHtml() const;
 
 protected:
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     QList<QStringList> selectedCells() const;
+    void measure();
     void keepMinimum(int column, int oldWidth, int width);
     void stretch();
     void ensureCurrent();
     void rememberTop();
     void restoreTop();
 
+    std::function<void(TableView *)> m_measures;
+    bool m_measuring = false;        // soon, when all widgets have their new font
     QHash<int, int> m_minimumWidths; // by column
     int m_flexibleColumn = -1;
     QPersistentModelIndex m_top; // the first row that is seen, while rows come and go

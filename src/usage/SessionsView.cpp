@@ -5,6 +5,7 @@
 #include "model/Store.h"
 #include "ui/BusyPage.h"
 #include "ui/EmptyState.h"
+#include "ui/Fonts.h"
 #include "ui/Icons.h"
 #include "ui/Separator.h"
 #include "ui/TableView.h"
@@ -38,19 +39,28 @@ int startWidth(const TableView *table)
     return table->fontMetrics().horizontalAdvance(text) + 20;
 }
 
+void measureTable(TableView *table)
+{
+    table->verticalHeader()->setDefaultSectionSize(2 * table->fontMetrics().lineSpacing() + 8);
+    table->setResizableColumn(SessionsModel::Started, 120, qMax(140, startWidth(table)));
+    const QFont font = numberFont();
+    const auto setNumbers = [table, &font](int column, int width, const QString &widest) {
+        table->setFixedColumn(column, width, widest, font);
+    };
+    setNumbers(SessionsModel::Duration, numberWidth, QStringLiteral("59m 59s"));
+    setNumbers(SessionsModel::Turns, 50, QStringLiteral("999"));
+    for (const int column : {SessionsModel::Input, SessionsModel::Output, SessionsModel::Cache})
+        setNumbers(column, numberWidth, QStringLiteral("999.9k"));
+    setNumbers(SessionsModel::Cost, numberWidth, QStringLiteral("$99.99"));
+    table->setFlexibleColumn(SessionsModel::FirstPrompt, 180);
+}
+
 void setUpTable(TableView *table)
 {
     table->setObjectName(QStringLiteral("sessionsTable"));
     table->setAccessibleName(QStringLiteral("Sessions"));
     table->setItemDelegateForColumn(SessionsModel::FirstPrompt, new PromptDelegate(table));
-    table->verticalHeader()->setDefaultSectionSize(2 * table->fontMetrics().lineSpacing() + 8);
-    table->setResizableColumn(SessionsModel::Started, 120, qMax(140, startWidth(table)));
-    table->setFixedColumn(SessionsModel::Duration, numberWidth);
-    table->setFixedColumn(SessionsModel::Turns, 50);
-    for (const int column :
-         {SessionsModel::Input, SessionsModel::Output, SessionsModel::Cache, SessionsModel::Cost})
-        table->setFixedColumn(column, numberWidth);
-    table->setFlexibleColumn(SessionsModel::FirstPrompt, 180);
+    table->setMeasures(measureTable);
 }
 
 } // namespace

@@ -160,7 +160,7 @@ QWidget *UsageView::buildHeader()
     m_scope = new SegmentedSwitch({QStringLiteral("All projects"), m_project.name()}, header);
     m_scope->setObjectName(QStringLiteral("usageScope"));
     m_scope->setAccessibleName(QStringLiteral("Scope of the daily charts"));
-    m_scope->setFixedWidth(switchWidth);
+    m_scope->setUsualWidth(switchWidth, AllProjects);
     m_scope->setCurrent(OneProject);
     auto *layout = new QHBoxLayout(header);
     layout->setContentsMargins(0, 0, 0, 0);
