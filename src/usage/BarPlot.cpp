@@ -371,12 +371,13 @@ void BarPlot::resizeEvent(QResizeEvent *)
     m_arranged = false;
 }
 
-void BarPlot::changeEvent(QEvent *event)
+bool BarPlot::event(QEvent *event)
 {
-    QCustomPlot::changeEvent(event);
+    const bool taken = QCustomPlot::event(event);
     if (event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::LocaleChange ||
         event->type() == QEvent::StyleChange) {
         m_arranged = false;
         update();
     }
+    return taken;
 }
