@@ -40,7 +40,6 @@ Sidebar::Sidebar(Store &store, QWidget *parent)
           this))
     , m_body(new QStackedWidget(this))
 {
-    setMinimumWidth(smallestWidth);
     setFocusProxy(m_list);
     SidebarAccessible::install();
     setAccessibleName(QStringLiteral("Projects"));
@@ -59,7 +58,14 @@ Sidebar::Sidebar(Store &store, QWidget *parent)
 
 QSize Sidebar::sizeHint() const
 {
-    return {usualWidth, QWidget::sizeHint().height()};
+    return {qMax(usualWidth, minimumSizeHint().width()), QWidget::sizeHint().height()};
+}
+
+/// More than the least where the user's font is so large that the bar above needs it.
+QSize Sidebar::minimumSizeHint() const
+{
+    const QSize needed = QWidget::minimumSizeHint();
+    return {qMax(smallestWidth, needed.width()), needed.height()};
 }
 
 QWidget *Sidebar::buildToolBar()
@@ -72,6 +78,7 @@ QWidget *Sidebar::buildToolBar()
     title->setToolTip(
         QStringLiteral("The menu key opens the menu of a project, %1 quits Plinthar")
             .arg(QKeySequence(Qt::CTRL | Qt::Key_Q).toString(QKeySequence::NativeText)));
+    title->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed); // never shortened
     auto *addButton = new QToolButton(bar);
     addButton->setObjectName(QStringLiteral("addProject"));
     addButton->setText(QStringLiteral("Add Project"));
@@ -84,7 +91,10 @@ QWidget *Sidebar::buildToolBar()
                               .arg(addButton->shortcut().toString(QKeySequence::NativeText)));
     connect(addButton, &QToolButton::clicked, this, &Sidebar::chooseFolder);
     auto *layout = new QHBoxLayout(bar);
-    layout->setContentsMargins(padding, padding, padding / 2, padding);
+    // The button has some room of its own. (A margin would not change its side with the direction.)
+    layout->setContentsMargins(padding / 2, padding, padding / 2, padding);
+    layout->setSpacing(0);
+    layout->addSpacing(padding / 2);
     layout->addWidget(title, 1);
     layout->addWidget(addButton);
     return bar;

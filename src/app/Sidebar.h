@@ -22,6 +22,7 @@ public:
     void showMenuOfSelected();
     /// The context menu while it is open.
     QMenu *openMenu() const;
+    QSize minimumSizeHint() const override;
 
 private:
     QWidget *buildToolBar();

@@ -2,13 +2,15 @@
 #include "live/FolderDelegate.h"
 
 #include "ui/ForeignText.h"
+#include "ui/TextLine.h"
 
 #include <QPainter>
 
 void FolderDelegate::paintText(QPainter *painter, const QRect &place,
                                const QModelIndex &index) const
 {
-    painter->drawText(place, int(Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine),
-                      ForeignText::line(index.data().toString(), painter->fontMetrics(),
-                                        place.width(), Qt::ElideLeft));
+    const QString folder = index.data().toString();
+    drawTextLine(painter, place, Qt::AlignLeft | Qt::AlignVCenter,
+                 ForeignText::line(folder, painter->fontMetrics(), place.width(), Qt::ElideLeft),
+                 directionOf(folder));
 }

@@ -34,7 +34,8 @@ void StopDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const bool hovered = option.state & QStyle::State_MouseOver;
     const QColor color = selected ? option.palette.color(QPalette::HighlightedText)
                                   : Colors::hue(Colors::Hue::Red, option.palette);
-    const QRect place = textPlace(option.rect, index.column()).adjusted(0, margin, 0, -margin - 1);
+    const QRect place = textPlace(option.rect, index.column(), option.direction)
+                            .adjusted(0, margin, 0, -margin - 1);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(faded(color, 0.5F));

@@ -7,6 +7,7 @@
 #include "ui/ForeignText.h"
 
 #include <QLabel>
+#include <QStyle>
 
 namespace {
 
@@ -47,6 +48,8 @@ void StopDialog::setUpLabels(const QString &title)
     for (QLabel *label : labels) {
         // A folder may look like markup, and setTextFormat() leaves the informative text out.
         label->setTextFormat(Qt::PlainText);
+        // Which way it runs is the text's; at which side it begins, the window's.
+        label->setAlignment(QStyle::visualAlignment(layoutDirection(), label->alignment()));
         if (label->text() == title)
             label->setFont(textFont(TextStyle::Headline, true));
         else if (!label->text().isEmpty())

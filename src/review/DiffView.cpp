@@ -38,6 +38,7 @@ DiffView::DiffView(QWidget *parent)
     setAccessibleName(QStringLiteral("Diff"));
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
+    setLayoutDirection(Qt::LeftToRight); // code is, whatever way the desktop's language runs
     viewport()->setBackgroundRole(QPalette::Base);
     viewport()->setCursor(Qt::IBeamCursor);
     m_textBar->setObjectName(QStringLiteral("textBar"));
@@ -210,6 +211,7 @@ void DiffView::paintEvent(QPaintEvent *event)
     QPainter painter(viewport());
     painter.setClipRect(event->rect());
     painter.translate(originX(), 0);
+    painter.setLayoutDirection(layoutDirection());
     const DiffPainter::State state{palette(), m_selection, hasFocus(), m_textBar->value()};
     DiffPainter rows(painter, *m_document, m_geometry, state);
     const qint64 scrolled = verticalScrollBar()->value();

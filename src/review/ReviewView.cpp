@@ -16,10 +16,12 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QListView>
 #include <QMessageBox>
 #include <QShortcut>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -60,6 +62,9 @@ QMessageBox *makeConfirmation(const GitFile &file, QWidget *parent)
             : QStringLiteral("Staged and unstaged changes will be restored from HEAD. This cannot "
                              "be undone."));
     addCopyAction(box, QStringLiteral("Copy Path"), file.path);
+    // Which way it runs is the text's; at which side it begins, the window's.
+    for (QLabel *label : box->findChildren<QLabel *>())
+        label->setAlignment(QStyle::visualAlignment(box->layoutDirection(), label->alignment()));
     return box;
 }
 
@@ -81,7 +86,7 @@ void ReviewView::buildLayout()
 {
     m_changes = new ChangeListPane(this);
     m_diff = new DiffPane(this);
-    m_changes->setHeaderHeight(m_diff->toolBarHeight()); // so that the lines below both meet
+    fitHeader();
     m_review = new PaneSplitter(m_changes, listWidth, m_diff, diffWidth, this);
     m_noRepo = new EmptyState(
         QStringLiteral("arrow.triangle.branch"), QStringLiteral("Not a Git repository"),
@@ -96,6 +101,20 @@ void ReviewView::buildLayout()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_pages);
     setFocusProxy(m_changes->list());
+}
+
+/// Makes the lines below the headers of both panes meet.
+void ReviewView::fitHeader()
+{
+    m_changes->setHeaderHeight(m_diff->toolBarHeight());
+}
+
+void ReviewView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    // The buttons have their new font only when all widgets have been told.
+    if (event->type() == QEvent::FontChange)
+        QMetaObject::invokeMethod(this, &ReviewView::fitHeader, Qt::QueuedConnection);
 }
 
 void ReviewView::connectSignals()

@@ -27,6 +27,7 @@ public:
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -38,6 +39,7 @@ private:
     using Action = std::function<ShellResult()>;
 
     void buildLayout();
+    void fitHeader();
     void connectSignals();
     const GitFile *selectedFile() const;
 

@@ -4,6 +4,7 @@
 #include "ui/Colors.h"
 #include "ui/ForeignText.h"
 #include "ui/ItemPainting.h"
+#include "ui/TextLine.h"
 #include "ui/ToolTips.h"
 
 #include <QAbstractItemView>
@@ -25,9 +26,10 @@ constexpr int firstPadding = 10;
 
 } // namespace
 
-QRect CellDelegate::textPlace(const QRect &cell, int column)
+QRect CellDelegate::textPlace(const QRect &cell, int column, Qt::LayoutDirection direction)
 {
-    return cell.adjusted(column == 0 ? firstPadding : padding, 0, -padding, 0);
+    const QRect place = cell.adjusted(column == 0 ? firstPadding : padding, 0, -padding, 0);
+    return QStyle::visualRect(direction, cell, place);
 }
 
 void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
@@ -44,9 +46,10 @@ void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
         painter->drawLine(cell.rect.bottomLeft(), cell.rect.bottomRight());
     }
     painter->setFont(cell.font);
+    painter->setLayoutDirection(cell.direction);
     painter->setPen(cell.palette.color(colorGroup(cell),
                                        selected ? QPalette::HighlightedText : QPalette::Text));
-    paintText(painter, textPlace(cell.rect, index.column()), index);
+    paintText(painter, textPlace(cell.rect, index.column(), cell.direction), index);
     painter->restore();
 }
 
@@ -57,14 +60,19 @@ bool CellDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     const QString text = index.data().toString();
     const int width = textPlace(option.rect, index.column()).width();
-    const bool cut = ForeignText::line(text, view->fontMetrics(), width) != text;
-    QToolTip::showText(event->globalPos(), cut ? plainToolTip(text) : QString(), view);
+    QToolTip::showText(event->globalPos(),
+                       isCut(text, view->font(), width) ? plainToolTip(text) : QString(), view);
     return true;
+}
+
+bool CellDelegate::isCut(const QString &text, const QFont &font, int width) const
+{
+    return ForeignText::line(text, QFontMetrics(font), width) != text;
 }
 
 void CellDelegate::paintText(QPainter *painter, const QRect &place, const QModelIndex &index) const
 {
     const QString text = index.data().toString();
-    painter->drawText(place, index.data(Qt::TextAlignmentRole).toInt() | int(Qt::TextSingleLine),
-                      ForeignText::line(text, painter->fontMetrics(), place.width()));
+    drawTextLine(painter, place, Qt::Alignment(index.data(Qt::TextAlignmentRole).toInt()),
+                 ForeignText::line(text, painter->fontMetrics(), place.width()), directionOf(text));
 }

@@ -10,7 +10,8 @@ class CellDelegate : public QStyledItemDelegate {
 public:
     /// Where the text of a cell or of a column's title stands. The first column is in line with the
     /// text above the table.
-    static QRect textPlace(const QRect &cell, int column);
+    static QRect textPlace(const QRect &cell, int column,
+                           Qt::LayoutDirection direction = Qt::LeftToRight);
 
     using QStyledItemDelegate::QStyledItemDelegate;
 
@@ -20,6 +21,8 @@ public:
                    const QModelIndex &index) override;
 
 protected:
-    /// Paints the text into its place. Pen and font are set.
+    /// Whether the text of a cell is shown only in part at that width.
+    virtual bool isCut(const QString &text, const QFont &font, int width) const;
+    /// Paints the text into its place. Pen, font and direction are set.
     virtual void paintText(QPainter *painter, const QRect &place, const QModelIndex &index) const;
 };

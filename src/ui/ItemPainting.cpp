@@ -2,6 +2,7 @@
 #include "ui/ItemPainting.h"
 
 #include "ui/ForeignText.h"
+#include "ui/TextLine.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -22,7 +23,9 @@ void paintItemLine(QPainter *painter, const QStyleOptionViewItem &item, const QR
                    const QFont &font, const QString &text, Qt::TextElideMode elide)
 {
     painter->setFont(font);
-    painter->drawText(QStyle::visualRect(item.direction, item.rect, place),
-                      int(Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine),
-                      ForeignText::line(text, QFontMetrics(font), place.width(), elide));
+    painter->setLayoutDirection(item.direction);
+    drawTextLine(painter, QStyle::visualRect(item.direction, item.rect, place),
+                 Qt::AlignVCenter | Qt::AlignLeading,
+                 ForeignText::line(text, QFontMetrics(font), place.width(), elide),
+                 directionOf(text));
 }

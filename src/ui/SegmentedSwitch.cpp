@@ -3,6 +3,7 @@
 
 #include "ui/Colors.h"
 #include "ui/ForeignText.h"
+#include "ui/TextLine.h"
 #include "ui/ToolTips.h"
 
 #include <QButtonGroup>
@@ -74,7 +75,7 @@ protected:
         }
         painter.setPen(
             palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText));
-        painter.drawText(rect(), int(Qt::AlignCenter | Qt::TextSingleLine), shown());
+        drawTextLine(&painter, rect(), Qt::AlignCenter, shown(), directionOf(m_label));
     }
 
 private:

@@ -4,6 +4,7 @@
 #include "ui/CellDelegate.h"
 #include "ui/Colors.h"
 #include "ui/Fonts.h"
+#include "ui/TextLine.h"
 
 #include <QEvent>
 #include <QPainter>
@@ -26,15 +27,17 @@ bool TableHeader::event(QEvent *event)
 void TableHeader::paintSection(QPainter *painter, const QRect &rect, int section) const
 {
     const QVariant alignment = model()->headerData(section, Qt::Horizontal, Qt::TextAlignmentRole);
-    const int flags = alignment.isValid() ? alignment.toInt() : int(defaultAlignment());
-    const QRect place = CellDelegate::textPlace(rect, section);
+    const QRect place = CellDelegate::textPlace(rect, section, layoutDirection());
+    const QString text = title(section);
     painter->fillRect(rect, palette().color(QPalette::Base));
     painter->setPen(Colors::separator(palette()));
     painter->drawLine(rect.bottomLeft(), rect.bottomRight());
     painter->setFont(font());
     painter->setPen(Colors::secondaryText(palette(), QPalette::Text, QPalette::Base));
-    painter->drawText(place, flags | int(Qt::TextSingleLine),
-                      fontMetrics().elidedText(title(section), Qt::ElideRight, place.width()));
+    painter->setLayoutDirection(layoutDirection());
+    drawTextLine(painter, place,
+                 alignment.isValid() ? Qt::Alignment(alignment.toInt()) : defaultAlignment(),
+                 fontMetrics().elidedText(text, Qt::ElideRight, place.width()), directionOf(text));
 }
 
 QSize TableHeader::sectionSizeFromContents(int section) const

@@ -3,10 +3,12 @@
 
 #include "ui/Colors.h"
 #include "ui/ForeignText.h"
+#include "ui/TextLine.h"
 #include "ui/ToolTips.h"
 
 #include <QHelpEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QTextLayout>
 #include <QToolTip>
 
@@ -19,6 +21,7 @@ constexpr int widestLine = 10'000;
 QSizeF layOut(QTextLayout &layout, int width, Qt::Alignment alignment)
 {
     QTextOption option(alignment);
+    option.setTextDirection(directionOf(layout.text()));
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
     qreal height = 0;
@@ -94,12 +97,13 @@ void TextLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setPen(color());
+    painter.setLayoutDirection(layoutDirection());
     if (!wraps()) {
-        painter.drawText(rect(), int(alignment() | Qt::TextSingleLine), elided(width()));
+        drawTextLine(&painter, rect(), alignment(), elided(width()), directionOf(text()));
         return;
     }
     QTextLayout layout(broken(), font());
-    layOut(layout, width(), alignment());
+    layOut(layout, width(), QStyle::visualAlignment(layoutDirection(), alignment()));
     layout.draw(&painter, QPointF(0, 0));
 }
 

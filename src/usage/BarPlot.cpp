@@ -347,6 +347,7 @@ void BarPlot::paintEvent(QPaintEvent *event)
     arrange();
     setColors();
     QCPPainter painter(this);
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto); // that of each label
     drawMark(painter);
     const QList<FixedTicker::Tick> all = m_placeTicks->ticks;
     if (!stands()) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "usage/PromptDelegate.h"
 
+#include "ui/TextLine.h"
 #include "usage/SessionsModel.h"
 
 #include <QPainter>
@@ -29,14 +30,14 @@ QStringList twoLines(const QString &text, const QFont &font, int width)
 void PromptDelegate::paintText(QPainter *painter, const QRect &place,
                                const QModelIndex &index) const
 {
-    const QStringList lines =
-        twoLines(index.data(SessionsModel::PreviewRole).toString(), painter->font(), place.width());
+    const QString prompt = index.data(SessionsModel::PreviewRole).toString();
+    const QStringList lines = twoLines(prompt, painter->font(), place.width());
     const int lineHeight = painter->fontMetrics().lineSpacing();
     const int height = lineHeight * static_cast<int>(lines.size());
     QRect line(place.left(), place.top() + (place.height() - height) / 2, place.width(),
                lineHeight);
     for (const QString &text : lines) {
-        painter->drawText(line, int(Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine), text);
+        drawTextLine(painter, line, Qt::AlignLeft | Qt::AlignVCenter, text, directionOf(prompt));
         line.translate(0, lineHeight);
     }
 }

@@ -64,6 +64,9 @@ int decimalsOf(double step)
 
 QString labelOf(double value, double step, const Unit &unit, Measure measure, QLocale locale)
 {
+    // Thousands and dollars are written with European digits everywhere else, too.
+    if ((unit.size > 1 || measure == Measure::Cost) && locale.zeroDigit() != u"0")
+        locale = QLocale::c();
     locale.setNumberOptions(locale.numberOptions() & ~QLocale::OmitGroupSeparator);
     int decimals = decimalsOf(step / unit.size);
     if (measure == Measure::Cost && unit.size == 1 && decimals > 0)
@@ -72,7 +75,7 @@ QString labelOf(double value, double step, const Unit &unit, Measure measure, QL
     if (std::abs(value) >= 1e15)
         number = QString::number(std::abs(value), 'g', 3);
     else if (value == 0)
-        number = QStringLiteral("0");
+        number = locale.zeroDigit();
     else if (decimals > 0)
         number = QString::number(std::abs(value) / unit.size, 'f', decimals) + unit.suffix;
     else

@@ -71,6 +71,19 @@ private Q_SLOTS:
                  QStringLiteral("5,000"));
     }
 
+    /// Thousands and dollars have European digits in every language, as they have elsewhere in the
+    /// window; other numbers have the language's.
+    void oneScaleHasOneKindOfDigits()
+    {
+        const QLocale arabic(QLocale::Arabic, QLocale::Egypt);
+        const auto labels = [&arabic](double highest, Measure measure) {
+            return makeValueScale(0, highest, 3, measure, arabic).labels.join(u' ');
+        };
+        QCOMPARE(labels(400'000, Measure::Tokens), QStringLiteral("0 200k 400k"));
+        QCOMPARE(labels(20, Measure::Cost), QStringLiteral("$0 $10 $20"));
+        QCOMPARE(labels(20, Measure::Tokens), QStringLiteral("٠ ١٠ ٢٠"));
+    }
+
     /// Whatever the numbers: no more ticks than wanted, at equal distances, around all the bars.
     void holdsForAnyNumbers()
     {
