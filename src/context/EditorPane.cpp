@@ -5,6 +5,7 @@
 #include "context/FindBar.h"
 #include "context/WarningBar.h"
 #include "ui/CopyableLabel.h"
+#include "ui/EmphasisButton.h"
 #include "ui/Separator.h"
 #include "ui/ToolTips.h"
 
@@ -61,7 +62,7 @@ QWidget *EditorPane::buildToolBar()
     m_status = new CopyableLabel(
         QString(), {.size = TextStyle::Caption, .tone = TextLabel::Tone::Secondary}, bar);
     m_status->setObjectName(QStringLiteral("status"));
-    m_saveButton = new QPushButton(QStringLiteral("Save"), bar);
+    m_saveButton = new EmphasisButton(QStringLiteral("Save"), bar);
     m_saveButton->setObjectName(QStringLiteral("save"));
     m_saveButton->setShortcut(QKeySequence(QKeySequence::Save));
     m_saveButton->setToolTip(QStringLiteral("Save this file (%1)")

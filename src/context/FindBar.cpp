@@ -2,6 +2,7 @@
 #include "context/FindBar.h"
 
 #include "context/ContextEditor.h"
+#include "ui/Outlined.h"
 #include "ui/TextLabel.h"
 
 #include <QHBoxLayout>
@@ -37,7 +38,7 @@ QToolButton *makeButton(const char16_t *name, const char16_t *text, const QStrin
 FindBar::FindBar(ContextEditor *editor, QWidget *parent)
     : QWidget(parent)
     , m_editor(editor)
-    , m_field(new QLineEdit(this))
+    , m_field(new OutlinedLineEdit(this))
     , m_message(new TextLabel(
           QString(), {.size = TextStyle::Caption, .tone = TextLabel::Tone::Secondary}, this))
 {

@@ -10,6 +10,7 @@
 #include "ui/CopyableLabel.h"
 #include "ui/EmptyState.h"
 #include "ui/Fonts.h"
+#include "ui/Outlined.h"
 #include "ui/Separator.h"
 #include "ui/TableView.h"
 
@@ -90,7 +91,7 @@ QWidget *LiveView::buildHeader()
         QString(), {.size = TextStyle::Caption, .tone = TextLabel::Tone::Error}, header);
     m_message->setObjectName(QStringLiteral("message"));
     m_message->hide();
-    m_onlyProject = new QCheckBox(QStringLiteral("Only this project"), header);
+    m_onlyProject = new OutlinedCheckBox(QStringLiteral("Only this project"), header);
     auto *layout = new QHBoxLayout(header);
     layout->setContentsMargins(padding, padding, padding, padding);
     layout->setSpacing(padding);

@@ -110,7 +110,7 @@ QWidget *CommitSheet::buildEditor()
 QLayout *CommitSheet::buildFooter()
 {
     m_busySign = new BusySign(this);
-    m_cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
+    m_cancelButton = new EmphasisButton(QStringLiteral("Cancel"), this);
     m_cancelButton->setAutoDefault(false);
     m_commitButton =
         new EmphasisButton(EmphasisButton::Emphasis::Prominent, QStringLiteral("Commit"), this);

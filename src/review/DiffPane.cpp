@@ -48,7 +48,7 @@ QWidget *DiffPane::buildToolBar()
         QString(), {.size = TextStyle::Headline, .overflow = TextLabel::Overflow::ElideHead}, bar);
     m_path->setObjectName(QStringLiteral("selectedPath"));
     m_busySign = new BusySign(bar);
-    m_approveButton = new QPushButton(QStringLiteral("Approve"), bar);
+    m_approveButton = new EmphasisButton(QStringLiteral("Approve"), bar);
     m_approveButton->setToolTip(QStringLiteral("Stage this file for the next commit"));
     m_rejectButton = new EmphasisButton(Emphasis::Destructive, QStringLiteral("Reject"), bar);
     m_rejectButton->setToolTip(

@@ -1,7 +1,36 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/Colors.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
+
+bool isDark(const QPalette &palette)
+{
+    return palette.color(QPalette::Base).lightnessF() < 0.5F;
+}
+
+double linear(float share)
+{
+    return share <= 0.04045F ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+}
+
+double luminance(const QColor &color)
+{
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
+}
+
+} // namespace
+
+namespace Colors {
+
+double contrast(const QColor &a, const QColor &b)
+{
+    const auto [dark, light] = std::minmax({luminance(a), luminance(b)});
+    return (light + 0.05) / (dark + 0.05);
+}
 
 QColor mixed(const QColor &a, const QColor &b, float shareOfA)
 {
@@ -9,15 +38,6 @@ QColor mixed(const QColor &a, const QColor &b, float shareOfA)
     return QColor::fromRgbF(mix(a.redF(), b.redF()), mix(a.greenF(), b.greenF()),
                             mix(a.blueF(), b.blueF()));
 }
-
-bool isDark(const QPalette &palette)
-{
-    return palette.color(QPalette::Base).lightnessF() < 0.5F;
-}
-
-} // namespace
-
-namespace Colors {
 
 QColor secondaryText(const QPalette &palette, QPalette::ColorRole text,
                      QPalette::ColorRole background)
@@ -61,6 +81,24 @@ QColor grayTint(const QPalette &palette, float opacity)
     QColor color = mixed(palette.color(QPalette::Text), palette.color(QPalette::Base), 0.5F);
     color.setAlphaF(opacity);
     return color;
+}
+
+QPalette outlined(QPalette palette, double enough)
+{
+    constexpr double wanted = 3.6; // styles vary a little
+    const QColor window = palette.color(QPalette::Window);
+    const auto contrastOf = [&](const QColor &outlining) {
+        const QColor outline = outlining.darker(140);
+        return std::min(contrast(outline, window),
+                        contrast(outline, palette.color(QPalette::Base)));
+    };
+    if (contrastOf(window) >= enough)
+        return palette;
+    QColor outlining = window;
+    for (float share = 0.1F; share < 1 && contrastOf(outlining) < wanted; share += 0.05F)
+        outlining = mixed(palette.color(QPalette::WindowText), window, share);
+    palette.setColor(QPalette::Window, outlining);
+    return palette;
 }
 
 QColor separator(const QPalette &palette)

@@ -8,6 +8,13 @@
 /// high-contrast palettes work without being told apart.
 namespace Colors {
 
+/// How well two colours can be told apart, from 1 to 21, as the web's accessibility guidelines
+/// measure it. Text needs 4.5, signs and outlines 3.
+double contrast(const QColor &a, const QColor &b);
+
+/// Two colours, mixed.
+QColor mixed(const QColor &a, const QColor &b, float shareOfA);
+
 /// For text that comes second: the palette's text colour, moved towards its background.
 QColor secondaryText(const QPalette &palette, QPalette::ColorRole text = QPalette::WindowText,
                      QPalette::ColorRole background = QPalette::Window);
@@ -27,6 +34,11 @@ QColor tint(Hue hue, const QPalette &palette, float opacity);
 
 /// The same without a hue.
 QColor grayTint(const QPalette &palette, float opacity);
+
+/// A palette with which a style outlines a control so that it is seen. Styles darken the window's
+/// colour for it, which on a dark window leaves nothing to be seen. Where their outline has that
+/// contrast already, nothing changes.
+QPalette outlined(QPalette palette, double enough = 3);
 
 /// For hairlines between the areas of a screen.
 QColor separator(const QPalette &palette);

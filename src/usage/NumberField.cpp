@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-NumberField::NumberField(double value, QWidget *parent) : QLineEdit(parent), m_value(value)
+NumberField::NumberField(double value, QWidget *parent) : OutlinedLineEdit(parent), m_value(value)
 {
     setAlignment(Qt::AlignRight);
     showValue();

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QLineEdit>
+#include "ui/Outlined.h"
+
 #include <QLocale>
 
 /// A text field for a number in the user's locale. Text that is no number changes nothing: the
 /// value stays, and comes back into the field when the field is left.
-class NumberField : public QLineEdit {
+class NumberField : public OutlinedLineEdit {
     Q_OBJECT
 public:
     explicit NumberField(double value, QWidget *parent = nullptr);

@@ -3,9 +3,11 @@
 
 #include "model/PriceStore.h"
 #include "model/Store.h"
+#include "ui/EmphasisButton.h"
 #include "ui/TextLabel.h"
 #include "usage/PriceRowEditor.h"
 
+#include <QEvent>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QShortcut>
@@ -60,19 +62,38 @@ QWidget *PriceEditor::buildColumnHeader()
     auto *header = new QWidget(this);
     auto *layout = new QHBoxLayout(header);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(PriceRowEditor::spacing);
-    const auto add = [header, layout](const QString &title, int width) {
+    layout->setSpacing(0); // a title has the space behind its column, too
+    for (const QString &title :
+         {QStringLiteral("Key"), QStringLiteral("Input"), QStringLiteral("Output"),
+          QStringLiteral("Cache write"), QStringLiteral("Cache read")}) {
         auto *label = new TextLabel(title, {.size = TextStyle::Caption, .bold = true}, header);
-        label->setFixedWidth(width);
         layout->addWidget(label);
-    };
-    add(QStringLiteral("Key"), PriceRowEditor::keyWidth);
-    add(QStringLiteral("Input"), PriceRowEditor::priceWidth);
-    add(QStringLiteral("Output"), PriceRowEditor::priceWidth);
-    add(QStringLiteral("Cache write"), PriceRowEditor::priceWidth);
-    add(QStringLiteral("Cache read"), PriceRowEditor::priceWidth);
+        m_titles.append(label);
+    }
     layout->addStretch();
+    fitTitles();
     return header;
+}
+
+void PriceEditor::fitTitles()
+{
+    for (TextLabel *title : m_titles) {
+        const bool isKey = title == m_titles.constFirst();
+        title->setFixedWidth(PriceRowEditor::spacing +
+                             (isKey ? PriceRowEditor::keyWidth() : PriceRowEditor::priceWidth()));
+    }
+}
+
+bool PriceEditor::event(QEvent *event)
+{
+    if (event->type() == QEvent::ApplicationFontChange) {
+        fitTitles();
+        for (PriceRowEditor *editor : std::as_const(m_editors))
+            editor->fitFields();
+        if (!m_editors.isEmpty())
+            fitRows();
+    }
+    return QDialog::event(event);
 }
 
 QWidget *PriceEditor::buildRowArea()
@@ -93,10 +114,10 @@ QWidget *PriceEditor::buildRowArea()
 
 QLayout *PriceEditor::buildFooter()
 {
-    auto *addRowButton = new QPushButton(QStringLiteral("Add Row"), this);
-    auto *resetButton = new QPushButton(QStringLiteral("Reset to Defaults"), this);
-    auto *cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
-    auto *saveButton = new QPushButton(QStringLiteral("Save"), this);
+    auto *addRowButton = new EmphasisButton(QStringLiteral("Add Row"), this);
+    auto *resetButton = new EmphasisButton(QStringLiteral("Reset to Defaults"), this);
+    auto *cancelButton = new EmphasisButton(QStringLiteral("Cancel"), this);
+    auto *saveButton = new EmphasisButton(QStringLiteral("Save"), this);
     saveButton->setDefault(true);
     saveButton->setToolTip(
         QStringLiteral("Save the table (%1)")

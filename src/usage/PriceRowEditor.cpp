@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "usage/PriceRowEditor.h"
 
+#include "ui/Fonts.h"
 #include "ui/Icons.h"
+#include "ui/Outlined.h"
 #include "usage/NumberField.h"
 
+#include <QFontMetricsF>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QToolButton>
+#include <QtMath>
+
+#include <initializer_list>
 
 PriceRowEditor::PriceRowEditor(const PriceRow &row, QWidget *parent) : QWidget(parent), m_id(row.id)
 {
@@ -21,6 +27,28 @@ PriceRowEditor::PriceRowEditor(const PriceRow &row, QWidget *parent) : QWidget(p
     m_delete = addDeleteButton();
     layout->addStretch();
     updateNames();
+    fitFields();
+}
+
+int PriceRowEditor::keyWidth()
+{
+    const QFontMetricsF metrics(textFont(TextStyle::Body));
+    return qMax(110, qCeil(metrics.horizontalAdvance(QStringLiteral("claude-opus"))));
+}
+
+int PriceRowEditor::priceWidth()
+{
+    // The widest title may reach into the space between the columns.
+    const QFontMetricsF metrics(textFont(TextStyle::Caption, true));
+    return qMax(80, qCeil(metrics.horizontalAdvance(QStringLiteral("Cache write"))) + 1 - spacing);
+}
+
+void PriceRowEditor::fitFields()
+{
+    m_key->setFixedWidth(keyWidth());
+    for (QLineEdit *field :
+         std::initializer_list<QLineEdit *>{m_input, m_output, m_cacheWrite, m_cacheRead})
+        field->setFixedWidth(priceWidth());
 }
 
 PriceRow PriceRowEditor::row() const
@@ -46,8 +74,7 @@ void PriceRowEditor::editKey()
 
 QLineEdit *PriceRowEditor::addKeyField(const QString &key)
 {
-    auto *field = new QLineEdit(key, this);
-    field->setFixedWidth(keyWidth);
+    auto *field = new OutlinedLineEdit(key, this);
     field->setPlaceholderText(QStringLiteral("key"));
     connect(field, &QLineEdit::textChanged, this, &PriceRowEditor::updateNames);
     layout()->addWidget(field);
@@ -57,7 +84,6 @@ QLineEdit *PriceRowEditor::addKeyField(const QString &key)
 NumberField *PriceRowEditor::addPriceField(double price)
 {
     auto *field = new NumberField(price, this);
-    field->setFixedWidth(priceWidth);
     layout()->addWidget(field);
     return field;
 }

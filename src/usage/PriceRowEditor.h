@@ -14,8 +14,9 @@ class PriceRowEditor : public QWidget {
     Q_OBJECT
 public:
     static constexpr int spacing = 8;
-    static constexpr int keyWidth = 110;
-    static constexpr int priceWidth = 80;
+    /// The widths of the columns: the usual ones, or more where the user's font needs it.
+    static int keyWidth();
+    static int priceWidth();
 
     explicit PriceRowEditor(const PriceRow &row, QWidget *parent = nullptr);
 
@@ -25,6 +26,9 @@ public:
     QWidgetList fields() const;
     /// Puts the keyboard focus on the key, ready to be replaced.
     void editKey();
+
+    /// Gives the fields the widths of the columns, which change with the font.
+    void fitFields();
 
 Q_SIGNALS:
     void deleteRequested();
