@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QtMath>
 
@@ -68,17 +69,27 @@ void TableView::setFixedColumn(int column, int width)
 
 void TableView::setFixedColumn(int column, int width, const QString &widest, const QFont &font)
 {
-    constexpr int cell = 1000;
-    const int around = cell - CellDelegate::textPlace(QRect(0, 0, cell, 0), column).width();
-    const int text = qCeil(QFontMetricsF(font).horizontalAdvance(widest)) + 1;
-    setFixedColumn(column, qMax(width, text + around));
+    setFixedColumn(column, qMax(width, widthFor(column, widest, font)));
 }
 
-void TableView::setResizableColumn(int column, int minimum, int width)
+int TableView::widthFor(int column, const QString &text, const QFont &font)
 {
-    m_minimumWidths[column] = qMax(minimum, horizontalHeader()->sectionSizeHint(column));
+    constexpr int cell = 1000;
+    const int around = cell - CellDelegate::textPlace(QRect(0, 0, cell, 0), column).width();
+    // Rounded down, it would be elided for the missing fraction of a pixel.
+    return qCeil(QFontMetricsF(font).horizontalAdvance(text)) + 1 + around;
+}
+
+void TableView::setResizableColumn(int column, int minimum, int usual, const QString &widest,
+                                   const QString &widestLine)
+{
+    const int title = horizontalHeader()->sectionSizeHint(column);
+    m_minimumWidths[column] = qMax(minimum, title);
     horizontalHeader()->setSectionResizeMode(column, QHeaderView::Interactive);
-    setFixedColumn(column, width);
+    m_narrowest = qMax(qMax(usual, title), widthFor(column, widestLine, font()));
+    m_widest = qMax(m_narrowest, widthFor(column, widest, font()));
+    setFixedColumn(column, m_widest);
+    m_resizableColumn = column;
 }
 
 void TableView::setFlexibleColumn(int column, int minimum)
@@ -150,6 +161,10 @@ void TableView::resizeEvent(QResizeEvent *event)
 
 void TableView::keepMinimum(int column, int, int width)
 {
+    if (m_stretching)
+        return;
+    if (column == m_resizableColumn)
+        m_resizableColumn = -1;
     const int minimum = m_minimumWidths.value(column);
     if (width < minimum)
         horizontalHeader()->resizeSection(column, minimum);
@@ -161,10 +176,17 @@ void TableView::stretch()
 {
     if (m_flexibleColumn < 0)
         return;
+    const QScopedValueRollback stretching(m_stretching, true);
     QHeaderView *header = horizontalHeader();
-    const int others = header->length() - header->sectionSize(m_flexibleColumn);
-    header->resizeSection(m_flexibleColumn, qMax(m_minimumWidths.value(m_flexibleColumn),
-                                                 viewport()->width() - others));
+    const int least = m_minimumWidths.value(m_flexibleColumn);
+    int others = header->length() - header->sectionSize(m_flexibleColumn);
+    if (m_resizableColumn >= 0) {
+        others -= header->sectionSize(m_resizableColumn);
+        const int width = qBound(m_narrowest, viewport()->width() - others - least, m_widest);
+        header->resizeSection(m_resizableColumn, width);
+        others += width;
+    }
+    header->resizeSection(m_flexibleColumn, qMax(least, viewport()->width() - others));
 }
 
 /// At the very top new rows may push the others down: there, the newest is what one wants to see.

@@ -27,8 +27,11 @@ public:
     void setFixedColumn(int column, int width);
     /// The same, or more where the user's font needs it for the widest text of the column.
     void setFixedColumn(int column, int width, const QString &widest, const QFont &font);
-    /// The same for a column that the user may resize, down to `minimum`.
-    void setResizableColumn(int column, int minimum, int width);
+    /// The same for a column that the user may resize, down to `minimum`. Until then it is as wide
+    /// as its widest text; where the table would have to be scrolled otherwise it is narrower, down
+    /// to `usual` or what the widest line needs when texts are broken into lines.
+    void setResizableColumn(int column, int minimum, int usual, const QString &widest,
+                            const QString &widestLine);
     /// Lets one column take the width that the others leave, but no less than `minimum`.
     void setFlexibleColumn(int column, int minimum);
 
@@ -45,6 +48,7 @@ protected:
 
 private:
     QList<QStringList> selectedCells() const;
+    static int widthFor(int column, const QString &text, const QFont &font);
     void measure();
     void keepMinimum(int column, int oldWidth, int width);
     void stretch();
@@ -56,5 +60,9 @@ private:
     bool m_measuring = false;        // soon, when all widgets have their new font
     QHash<int, int> m_minimumWidths; // by column
     int m_flexibleColumn = -1;
+    int m_resizableColumn = -1; // as long as the user has not resized it
+    int m_narrowest = 0;        // of that
+    int m_widest = 0;
+    bool m_stretching = false;
     QPersistentModelIndex m_top; // the first row that is seen, while rows come and go
 };

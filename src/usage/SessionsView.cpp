@@ -4,6 +4,7 @@
 #include "model/Format.h"
 #include "model/Store.h"
 #include "ui/BusyPage.h"
+#include "ui/EmphasisButton.h"
 #include "ui/EmptyState.h"
 #include "ui/Fonts.h"
 #include "ui/Icons.h"
@@ -13,12 +14,15 @@
 #include "usage/PriceEditor.h"
 #include "usage/PromptDelegate.h"
 #include "usage/SessionsModel.h"
+#include "usage/StartDelegate.h"
 #include "usage/StartText.h"
 
 #include <QHeaderView>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
@@ -29,20 +33,37 @@ constexpr int numberWidth = 70;
 /// interface thread.
 constexpr qsizetype mostAtOnce = 20'000;
 
-/// Wide enough for a long date in the user's locale.
-int startWidth(const TableView *table)
+QString longestOf(const QStringList &texts, const QFontMetrics &metrics)
 {
-    constexpr TimePoint longDate{std::chrono::sys_days(std::chrono::year(2028) / 12 / 28) +
-                                 std::chrono::hours(22)};
+    return *std::max_element(texts.cbegin(), texts.cend(),
+                             [&metrics](const QString &a, const QString &b) {
+                                 return metrics.horizontalAdvance(a) < metrics.horizontalAdvance(b);
+                             });
+}
+
+/// The longest of some dates as the user's locale writes them.
+QString longestStart(const TableView *table)
+{
+    using namespace std::chrono;
     const QLocale locale = table->locale();
-    const QString text = startText(longDate, locale, mediumDateTimeFormat(locale));
-    return table->fontMetrics().horizontalAdvance(text) + 20;
+    const QString format = mediumDateTimeFormat(locale);
+    QStringList texts;
+    for (unsigned monthOfYear = 1; monthOfYear <= 12; ++monthOfYear) {
+        for (const hours hour : {hours(10), hours(22)}) {
+            const sys_days date = year(2028) / month(monthOfYear) / 28;
+            texts.append(startText(date + hour, locale, format));
+        }
+    }
+    return longestOf(texts, table->fontMetrics());
 }
 
 void measureTable(TableView *table)
 {
+    const QString start = longestStart(table);
     table->verticalHeader()->setDefaultSectionSize(2 * table->fontMetrics().lineSpacing() + 8);
-    table->setResizableColumn(SessionsModel::Started, 120, qMax(140, startWidth(table)));
+    const QStringList halves = StartDelegate::halves(start, table->fontMetrics());
+    table->setResizableColumn(SessionsModel::Started, 120, 140, start,
+                              longestOf(halves, table->fontMetrics()));
     const QFont font = numberFont();
     const auto setNumbers = [table, &font](int column, int width, const QString &widest) {
         table->setFixedColumn(column, width, widest, font);
@@ -59,6 +80,7 @@ void setUpTable(TableView *table)
 {
     table->setObjectName(QStringLiteral("sessionsTable"));
     table->setAccessibleName(QStringLiteral("Sessions"));
+    table->setItemDelegateForColumn(SessionsModel::Started, new StartDelegate(table));
     table->setItemDelegateForColumn(SessionsModel::FirstPrompt, new PromptDelegate(table));
     table->setMeasures(measureTable);
 }
@@ -92,9 +114,9 @@ QWidget *SessionsView::buildHeader()
     m_summary->setToolTip(
         QStringLiteral("%1 copies the selected sessions")
             .arg(QKeySequence(QKeySequence::Copy).toString(QKeySequence::NativeText)));
-    m_pricesButton = new QPushButton(QStringLiteral("Price Table\u2026"), header);
-    m_reloadButton = new QPushButton(symbolIcon(u"arrow.clockwise", QPalette::ButtonText),
-                                     QStringLiteral("Reload"), header);
+    m_pricesButton = new EmphasisButton(QStringLiteral("Price Table\u2026"), header);
+    m_reloadButton = new EmphasisButton(QStringLiteral("Reload"), header);
+    m_reloadButton->setIcon(symbolIcon(u"arrow.clockwise", QPalette::ButtonText));
     m_reloadButton->setShortcut(QKeySequence(QKeySequence::Refresh));
     m_reloadButton->setToolTip(
         QStringLiteral("Read all sessions again (%1)")

@@ -348,12 +348,39 @@ private Q_SLOTS:
 
     void onlyACutCellHasATooltip()
     {
-        write({.id = u"s"_qs});
+        write({.id = u"s"_qs, .answers = {answer({.input = 1'000'000})}});
+        m_window->store().setPrices(priceOf(1));
         m_window->load();
         QCOMPARE(toolTip(0, Column::Started), QString());
         QCOMPARE(toolTip(0, Column::Cost), QString());
-        dragSectionEnd(Column::Started, -40);
-        QCOMPARE(toolTip(0, Column::Started), u"Mar 5, 2026, 10:00 AM"_qs);
+        m_window->store().setPrices(priceOf(123'456'789));
+        QCOMPARE(toolTip(0, Column::Cost), u"$123456789.00"_qs);
+    }
+
+    void aStartThatHasNoRoomTakesTwoLines()
+    {
+        write({.id = u"s"_qs});
+        m_window->load();
+        m_window->view().resize(1600, 700);
+        const QImage oneLine = pictureOf(0, Column::Started);
+        dragSectionEnd(Column::Started, -200); // down to its minimum
+        QCOMPARE(sessionsHeader()->sectionSize(Column::Started), 120);
+        QCOMPARE(toolTip(0, Column::Started), QString());
+        const auto inkHeight = [](const QImage &picture) {
+            int top = -1;
+            int bottom = -1;
+            for (int y = 0; y < picture.height() - 2; ++y) { // without the hairline
+                for (int x = 12; x < picture.width(); ++x) {
+                    if (qGray(picture.pixel(x, y)) > 128)
+                        continue;
+                    top = top < 0 ? y : top;
+                    bottom = y;
+                }
+            }
+            return bottom - top + 1;
+        };
+        QVERIFY(inkHeight(oneLine) > 4);
+        QVERIFY(inkHeight(pictureOf(0, Column::Started)) > 1.8 * inkHeight(oneLine));
     }
 
     // Keys and clipboard
@@ -745,6 +772,8 @@ private:
             ->grab(table->visualRect(table->model()->index(row, column)))
             .toImage();
     }
+
+    QHeaderView *sessionsHeader() const { return m_window->sessions()->horizontalHeader(); }
 
     /// Drags the right edge of a column's title.
     void dragSectionEnd(int column, int distance)

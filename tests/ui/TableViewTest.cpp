@@ -80,6 +80,39 @@ private Q_SLOTS:
         }
     }
 
+    void aColumnGivesWayBeforeTheTableScrolls()
+    {
+        Shown shown;
+        shown.model.setHorizontalHeaderLabels({u"A"_qs, u"B"_qs, u"C"_qs});
+        shown.table.setFixedColumn(2, 100);
+        const QString widest = u"Mi "_qs.repeated(10);
+        shown.table.setResizableColumn(0, 60, 80, widest, u"MiMiMi"_qs);
+        shown.table.setFlexibleColumn(1, 180);
+        const QHeaderView *header = shown.table.horizontalHeader();
+        const auto widthIn = [&](int window) {
+            shown.window.resize(window, 400);
+            shown.window.grab(); // which lays it out
+            return header->sectionSize(0);
+        };
+        const int whole = widthIn(1000);
+        QVERIFY(whole > shown.table.fontMetrics().horizontalAdvance(widest));
+        const int around = 1000 - shown.table.viewport()->width();
+        QCOMPARE(widthIn(around + 100 + 180 + whole), whole);
+        QCOMPARE(widthIn(around + 100 + 180 + 90), 90);
+        QCOMPARE(header->length(), shown.table.viewport()->width());
+        QCOMPARE(widthIn(around + 100 + 180 + 60), 80);
+        shown.table.horizontalHeader()->resizeSection(0, 120); // as the user does
+        QCOMPARE(widthIn(1000), 120);
+        QCOMPARE(widthIn(around + 100 + 180 + 90), 120);
+    }
+
+    void whatStandsLeftStandsRightFromRightToLeft()
+    {
+        const QRect cell(100, 0, 80, 20);
+        QCOMPARE(CellDelegate::textPlace(cell, 0), QRect(110, 0, 64, 20));
+        QCOMPARE(CellDelegate::textPlace(cell, 0, Qt::RightToLeft), QRect(106, 0, 64, 20));
+    }
+
     void copiesWholeRowsInTheirOrder()
     {
         Shown shown;
