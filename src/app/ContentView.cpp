@@ -5,6 +5,7 @@
 #include "app/Sidebar.h"
 #include "model/Store.h"
 #include "ui/EmptyState.h"
+#include "ui/FocusRing.h"
 #include "ui/ForeignText.h"
 #include "ui/PaneSplitter.h"
 
@@ -26,6 +27,7 @@ ContentView::ContentView(Store &store, QWidget *parent) : QMainWindow(parent), m
 {
     buildLayout();
     addShortcuts();
+    new FocusRing(this);
     connect(&m_store, &Store::selectionChanged, this, &ContentView::followSelection);
     connect(&m_store, &Store::projectsChanged, this, &ContentView::followSelection);
     updateTitle();

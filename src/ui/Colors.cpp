@@ -101,6 +101,18 @@ QPalette outlined(QPalette palette, double enough)
     return palette;
 }
 
+QColor focus(const QPalette &palette)
+{
+    QColor color = palette.color(QPalette::Highlight);
+    const auto isSeen = [&] {
+        return contrast(color, palette.color(QPalette::Window)) >= 3 &&
+               contrast(color, palette.color(QPalette::Base)) >= 3;
+    };
+    for (int step = 0; step < 10 && !isSeen(); ++step)
+        color = mixed(palette.color(QPalette::WindowText), color, 0.2F);
+    return color;
+}
+
 QColor separator(const QPalette &palette)
 {
     return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.12F);

@@ -40,6 +40,10 @@ QColor grayTint(const QPalette &palette, float opacity);
 /// contrast already, nothing changes.
 QPalette outlined(QPalette palette, double enough = 3);
 
+/// For the frame around what has the focus: the highlight, moved away from the ground as far as
+/// needed to be seen on it.
+QColor focus(const QPalette &palette);
+
 /// For hairlines between the areas of a screen.
 QColor separator(const QPalette &palette);
 

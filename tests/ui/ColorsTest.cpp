@@ -125,6 +125,27 @@ private Q_SLOTS:
         QCOMPARE(angles.size(), 4);
     }
 
+    void theFocusIsSeen_data() { addPalettes(); }
+
+    void theFocusIsSeen()
+    {
+        QFETCH(QPalette, palette);
+        for (const QColor &highlight :
+             {QColor(0x30, 0x8c, 0xc6), QColor(0x1a, 0xeb, 0xff), QColor(0x37, 0, 0x6e)}) {
+            palette.setColor(QPalette::Highlight, highlight);
+            for (const QPalette::ColorRole role : {QPalette::Window, QPalette::Base})
+                QVERIFY(contrast(Colors::focus(palette), palette.color(role)) >= 3);
+        }
+    }
+
+    void theMeasureIsTheSame()
+    {
+        const QColor one(0x30, 0x8c, 0xc6);
+        const QColor other(0xef, 0xf0, 0xf1);
+        QVERIFY(qAbs(Colors::contrast(one, other) - contrast(one, other)) < 0.001);
+        QCOMPARE(Colors::contrast(one, other), Colors::contrast(other, one));
+    }
+
     void theSeparatorIsFaint_data() { addPalettes(); }
 
     void theSeparatorIsFaint()
