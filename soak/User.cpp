@@ -5,7 +5,6 @@
 #include "Patience.h"
 #include "app/ProjectListModel.h"
 #include "model/Background.h"
-#include "review/ActionGuard.h"
 #include "support/Input.h"
 
 #include <QApplication>
@@ -92,7 +91,7 @@ void User::close()
     m_window->destroy();
     require(Background::finish(std::chrono::milliseconds(patience)),
             QStringLiteral("background work does not end with the window"));
-    finishGitActions();
+    Background::finishSaving();
 }
 
 QString User::letters(int count)
