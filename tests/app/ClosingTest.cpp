@@ -18,7 +18,7 @@ namespace {
 
 constexpr int patience = 60'000;
 /// Longer than the program waits, at its end, for what need not be finished.
-constexpr int aLongTime = 2500;
+constexpr int aLongTime = 2000;
 
 const QString hangs = QStringLiteral("exec sleep 600");
 const QString isDeaf = QStringLiteral("trap '' TERM; while :; do sleep 0.1; done");
