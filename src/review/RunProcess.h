@@ -12,8 +12,8 @@ struct ShellResult {
     /// The exit status, or the number of the signal that ended the command; -1 when it could not be
     /// started.
     qint32 status = -1;
-    QString out; ///< what it wrote to its standard output
-    QString err; ///< the same of its standard error; or why it could not be started
+    QString out;        ///< what it wrote to its standard output
+    QString err;        ///< the same of its standard error; or why it could not be started
     bool isCut = false; ///< whether `out` is only the beginning of what it wrote
 
     bool operator==(const ShellResult &) const = default;
