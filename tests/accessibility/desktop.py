@@ -11,7 +11,8 @@ import time
 from pathlib import Path
 
 PATIENCE = 30.0  # seconds; a machine under load is slow, but after this nothing comes
-BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC
+ "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>session</type>
@@ -43,7 +44,7 @@ def wait_for(condition, what, patience=PATIENCE):
             return answer
         if time.monotonic() > deadline:
             raise AssertionError(f"waited in vain for {what}")
-        time.sleep(0.02)
+        time.sleep(0.05)
 
 
 def launcher():
@@ -114,7 +115,10 @@ class Desktop:
         os.close(writing)
         self.environment["DISPLAY"] = ":" + read_line(reading)
         self.environment["QT_QPA_PLATFORM"] = "xcb"
-        self.start("openbox")  # which gives the focus to new windows
+        # It gives the focus to new windows, once it is there.
+        started = self.folder / "openbox-started"
+        self.start("openbox", "--startup", f"touch {started}")
+        wait_for(started.exists, "openbox")
 
     def _start_weston(self):
         # In a window, not headless: then it has a keyboard, without which Qt 6.4 falls over as soon

@@ -8,6 +8,9 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 import desktop  # noqa: E402
 
+# Its own patience is less than a second.
+Atspi.set_timeout(int(desktop.PATIENCE * 1000), int(desktop.PATIENCE * 1000))
+
 # In these there is nothing, or what is asked for by row and would take long to search.
 NOT_SEARCHED = ("chart", "check box", "label", "list", "menu item", "page tab", "push button",
                 "radio button", "table", "text", "tree")
