@@ -165,7 +165,10 @@ void BarPlot::arrangeStanding()
     const int usual = metrics.horizontalAdvance(QStringLiteral("$0,000"));
     const int values = std::max(widestOf(scale.labels, metrics), usual);
     const int left = std::max(values + labelDistance + 6, widest / 2);
-    const int right = std::max(leastMargin, widest / 2 + 2 - static_cast<int>(band() / 2));
+    // The last label hangs over its day, whose width depends on what is left for it.
+    const double halfDays = 2 * m_places->range().size();
+    const double needed = (widest / 2.0 + 2 - (width() - left) / halfDays) / (1 - 1 / halfDays);
+    const int right = std::max(leastMargin, static_cast<int>(std::ceil(needed)));
     setMargins({left, top, right, bottom});
     chooseDayLabels(widest);
 }
