@@ -38,8 +38,10 @@ void DiffGeometry::setDocument(const SharedDocument &document)
 {
     m_document = document;
     const auto digits = QString::number(m_document ? m_document->largestNumber() : 0).size();
+    // On the left there is room for the sign of a changed line.
+    const int sign = std::max(numberGap, qCeil(m_cellWidth) + 1);
     m_numberWidth =
-        std::max(smallestNumberWidth, qCeil(static_cast<double>(digits) * m_cellWidth) + numberGap);
+        std::max(smallestNumberWidth, qCeil(static_cast<double>(digits) * m_cellWidth) + sign);
 }
 
 void DiffGeometry::setViewport(const QSize &size)

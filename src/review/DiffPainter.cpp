@@ -117,6 +117,10 @@ void DiffPainter::paintNumber(const DiffCell &cell, const QRect &place, bool cur
     if (!cell.num)
         return;
     m_painter.setPen(current ? m_text : m_secondary);
+    // As git marks them, for those who do not see the colours.
+    if (cell.kind == DiffKind::Added || cell.kind == DiffKind::Removed)
+        paintPlain(cell.kind == DiffKind::Added ? u"+" : u"-",
+                   {place.left() + 1.0, double(place.top() + m_geometry.ascent())});
     const QString number = QString::number(*cell.num);
     const double width = static_cast<double>(number.size()) * m_geometry.cellWidth();
     paintPlain(number, {place.right() + 1 - width, double(place.top() + m_geometry.ascent())});

@@ -288,6 +288,29 @@ private Q_SLOTS:
         QCOMPARE(at(OldSide, 3), expected(grayTint(colors, 0.08F)));
     }
 
+    /// For those who do not see the colours.
+    void changedLinesHaveASign()
+    {
+        const QImage image = m_view->viewport()->grab().toImage();
+        const auto inkBeforeNumber = [this, &image](DiffSide side, qsizetype row) {
+            const QRect line = m_view->rowRect(row);
+            const int left =
+                side == OldSide ? 0 : place(NewSide, {1, 0}).x() - place(OldSide, {1, 0}).x();
+            QSet<int> heights;
+            for (int y = line.top() + 1; y < line.bottom(); ++y) {
+                for (int x = left + 1; x < left + 8; ++x) {
+                    if (image.pixel(x, y) != image.pixel(left, line.top()))
+                        heights.insert(y);
+                }
+            }
+            return heights.size();
+        };
+        QCOMPARE(inkBeforeNumber(OldSide, 1), 0);
+        QVERIFY(inkBeforeNumber(OldSide, 2) > 0);
+        QVERIFY(inkBeforeNumber(NewSide, 2) > inkBeforeNumber(OldSide, 2)); // a plus is higher
+        QCOMPARE(inkBeforeNumber(OldSide, 3), 0);
+    }
+
     void numbersGetTheRoomThatTheyNeed()
     {
         const int usual = place(OldSide, {1, 0}).x();
