@@ -43,8 +43,8 @@ protected:
             painter.drawRoundedRect(QRectF(rect()).adjusted(inside, inside, -inside, -inside), 3,
                                     3);
         };
-        // One of both is seen on any ground.
-        draw(palette().color(QPalette::Base), 1, 2.5);
+        // Inside, for what is itself in the colour of the highlight or near it.
+        draw(palette().color(QPalette::HighlightedText), 1, 2.5);
         draw(Colors::focus(palette()), 2, 1);
     }
 
