@@ -94,6 +94,7 @@ void FocusRing::follow(QWidget *widget, Qt::FocusReason reason)
     default:
         break;
     }
-    if (m_byKeyboard && (!m_frame || m_frame->parent() != widget))
+    const bool isStop = (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus; // not a page
+    if (m_byKeyboard && isStop && (!m_frame || m_frame->parent() != widget))
         m_frame = new Frame(widget);
 }

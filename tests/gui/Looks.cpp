@@ -186,7 +186,9 @@ private:
         // Its upper edge, where no check mark reaches.
         const QRect edge(place.left() + 2, place.top() - 2, place.width() - 4, 5);
         const double contrast = contrastIn(pictureOf(box, edge));
-        if (contrast < leastOfSigns)
+        // A line that lies between two pixels is paler.
+        const double scale = m_picture.devicePixelRatio();
+        if (contrast < (scale == std::floor(scale) ? leastOfSigns : leastOfSigns - 1))
             add(QStringLiteral("the sign of %1 has a contrast of %2")
                     .arg(nameOf(box))
                     .arg(contrast));
@@ -202,7 +204,9 @@ private:
         if (inside.width() < metrics.horizontalAdvance(field->text()) ||
             inside.height() < metrics.height())
             add(QStringLiteral("the field with '%1' is cut").arg(field->text()));
-        lookAtInk(field, inside, field->text(), !field->text().isEmpty());
+        // Selected text has the desktop's own colours.
+        lookAtInk(field, inside, field->text(),
+                  !field->text().isEmpty() && !field->hasSelectedText());
     }
 
     void lookAtTabs(const QTabBar *tabs)
