@@ -425,13 +425,6 @@ case_soak_keeps_everything_for_a_finding() {
     expect 'what is left' "$(cat "$scratch"/tmp/*/tmp/file)" text
 }
 
-case_soak_installs_its_own_packages_too() {
-    set_up_soak
-    echo xvfb >>"$scratch/checkout/scripts/packages-soak"
-    call TMPDIR="$scratch/tmp" QT_QPA_PLATFORM=offscreen soak 7
-    expect_part calls "$calls" 'install --yes --no-install-recommends xvfb'
-}
-
 case_a_failed_build_ends_it() {
     # shellcheck disable=SC2016
     stub cmake 'if [[ $1 == --build ]]; then exit 3; else mkdir -p "$2/build/$4"; fi'
