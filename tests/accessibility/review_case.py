@@ -3,7 +3,7 @@
 
 import re
 
-from tree import wait_for
+from tree import Unsettled, wait_for
 from window import WindowTest
 
 # As the list tells them: badge, path and whether everything in it is staged.
@@ -33,7 +33,10 @@ class ReviewTest(WindowTest):
 
     def paths(self):
         """The listed paths."""
-        return [row[0].split(" ", 1)[1].removesuffix(", wholly staged") for row in self.list.rows]
+        told = [row[0] for row in self.list.rows]
+        if not all(told):  # a row that has gone since the rows were counted
+            raise Unsettled
+        return [text.split(" ", 1)[1].removesuffix(", wholly staged") for text in told]
 
     def select(self, path):
         """Selects a file and waits for its diff or what stands in its place."""

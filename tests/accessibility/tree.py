@@ -16,12 +16,16 @@ NOT_SEARCHED = ("chart", "check box", "label", "list", "menu item", "page tab", 
                 "radio button", "table", "text", "tree")
 
 
+class Unsettled(Exception):
+    """What is looked at is just changing."""
+
+
 def wait_for(condition, what):
-    """desktop.wait_for() for what may be gone while it is looked at."""
+    """desktop.wait_for() for what may change or be gone while it is looked at."""
     def attempt():
         try:
             return condition()
-        except GLib.Error:
+        except (GLib.Error, Unsettled):
             return None
     return desktop.wait_for(attempt, what)
 
