@@ -23,6 +23,6 @@ private:
     void showValue();
 
     double m_value;
-    QString m_shown; // the value as text
+    QString m_shown;  // the value as text
     QLocale m_locale; // in which the text stands
 };
