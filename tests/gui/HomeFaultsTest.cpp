@@ -27,20 +27,19 @@ namespace {
 /// In the environment of a test that has been started again on a disk of its own.
 const char ownDisk[] = "PLINTHAR_TEST_DISK";
 
-/// Starts one case of this test once more as the root of a namespace in which TMPDIR is a small
-/// disk of its own.
+/// Starts one case of this test once more as the root of a namespace in which there is a small disk
+/// of its own.
 int runOnOwnDisk(const QString &testCase)
 {
     const QTemporaryDir disk;
     QProcess test;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QString::fromLatin1(ownDisk), disk.path());
-    environment.insert(u"TMPDIR"_qs, disk.path());
     test.setProcessEnvironment(environment);
     test.setProcessChannelMode(QProcess::ForwardedChannels);
     test.start(u"unshare"_qs,
                {u"--map-root-user"_qs, u"--mount"_qs, u"sh"_qs, u"-c"_qs,
-                u"mount -t tmpfs -o size=2m none \"$TMPDIR\" && exec \"$0\" \"$1\""_qs,
+                u"mount -t tmpfs -o size=2m none \"$PLINTHAR_TEST_DISK\" && exec \"$0\" \"$1\""_qs,
                 QCoreApplication::applicationFilePath(), testCase});
     test.waitForFinished(-1);
     return test.exitStatus() == QProcess::NormalExit ? test.exitCode() : -1;
@@ -107,6 +106,9 @@ private:
 
 void HomeFaultsTest::init()
 {
+    // Not before the program has started: sanitizers keep files of their own in TMPDIR.
+    if (!qEnvironmentVariableIsEmpty(ownDisk))
+        qputenv("TMPDIR", qgetenv(ownDisk));
     m_home = std::make_unique<PrivateHome>();
     m_elsewhere = std::make_unique<QTemporaryDir>();
 }
