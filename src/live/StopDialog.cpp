@@ -5,9 +5,9 @@
 #include "ui/EmphasisButton.h"
 #include "ui/Fonts.h"
 #include "ui/ForeignText.h"
+#include "ui/TextLine.h"
 
 #include <QLabel>
-#include <QStyle>
 
 namespace {
 
@@ -26,6 +26,7 @@ StopDialog::StopDialog(const AgentProcess &agent, QWidget *parent) : QMessageBox
     setInformativeText(QStringLiteral("%1 in %2 will be asked to terminate.")
                            .arg(agent.agent, ForeignText::breakable(agent.folder)));
     setUpLabels(title);
+    alignLabels(this);
     if (agent.folder.startsWith(u'/')) // it may not be known
         addCopyAction(this, QStringLiteral("Copy Folder"), agent.folder);
 
@@ -48,8 +49,6 @@ void StopDialog::setUpLabels(const QString &title)
     for (QLabel *label : labels) {
         // A folder may look like markup, and setTextFormat() leaves the informative text out.
         label->setTextFormat(Qt::PlainText);
-        // Which way it runs is the text's; at which side it begins, the window's.
-        label->setAlignment(QStyle::visualAlignment(layoutDirection(), label->alignment()));
         if (label->text() == title)
             label->setFont(textFont(TextStyle::Headline, true));
         else if (!label->text().isEmpty())

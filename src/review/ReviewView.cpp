@@ -13,15 +13,14 @@
 #include "ui/EmptyState.h"
 #include "ui/ForeignText.h"
 #include "ui/PaneSplitter.h"
+#include "ui/TextLine.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QListView>
 #include <QMessageBox>
 #include <QShortcut>
 #include <QStackedWidget>
-#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -62,9 +61,7 @@ QMessageBox *makeConfirmation(const GitFile &file, QWidget *parent)
             : QStringLiteral("Staged and unstaged changes will be restored from HEAD. This cannot "
                              "be undone."));
     addCopyAction(box, QStringLiteral("Copy Path"), file.path);
-    // Which way it runs is the text's; at which side it begins, the window's.
-    for (QLabel *label : box->findChildren<QLabel *>())
-        label->setAlignment(QStyle::visualAlignment(box->layoutDirection(), label->alignment()));
+    alignLabels(box);
     return box;
 }
 

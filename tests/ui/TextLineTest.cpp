@@ -63,6 +63,12 @@ private Q_SLOTS:
         QVERIFY(right != drawn(text, Qt::LeftToRight, Qt::AlignLeft));
     }
 
+    void onlyTheStartOfAMegabyteIsLookedAt()
+    {
+        QCOMPARE(directionOf(arabic + QString(1'000'000, u'-')), Qt::RightToLeft);
+        QCOMPARE(directionOf(QString(1'000'000, u'-') + arabic), Qt::LeftToRight);
+    }
+
     void aLabelStandsAtTheOtherSide_data()
     {
         QTest::addColumn<QString>("text");
