@@ -3,30 +3,19 @@
 
 #include "live/LiveModel.h"
 #include "live/LiveView.h"
+#include "ui/AccessiblePart.h"
 #include "ui/TableView.h"
 
-#include <QAccessible>
 #include <QAccessibleWidget>
-#include <QPointer>
 
 namespace {
 
 /// The button of one process, whichever row it is in.
-class Button : public QAccessibleInterface, public QAccessibleActionInterface {
+class Button : public AccessiblePart<LiveView>, public QAccessibleActionInterface {
 public:
-    Button(LiveView *view, qint32 pid) : m_view(view), m_pid(pid) {}
+    Button(LiveView *view, qint32 pid) : AccessiblePart(view), m_pid(pid) {}
 
     bool isValid() const override { return cell().isValid(); }
-    QObject *object() const override { return nullptr; }
-    QAccessibleInterface *parent() const override
-    {
-        return m_view ? QAccessible::queryAccessibleInterface(m_view) : nullptr;
-    }
-    QAccessibleInterface *child(int) const override { return nullptr; }
-    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
-    void setText(QAccessible::Text, const QString &) override {}
     QAccessible::Role role() const override { return QAccessible::PushButton; }
 
     QString text(QAccessible::Text what) const override
@@ -47,8 +36,8 @@ public:
         const QModelIndex index = cell();
         if (!index.isValid())
             return {};
-        const QRect place = m_view->table()->visualRect(index);
-        return {m_view->table()->viewport()->mapToGlobal(place.topLeft()), place.size()};
+        const TableView *table = widget()->table();
+        return onScreen(table->viewport(), table->visualRect(index));
     }
 
     QAccessible::State state() const override
@@ -56,10 +45,13 @@ public:
         QAccessible::State state;
         const QModelIndex index = cell();
         state.invalid = !index.isValid();
-        state.invisible = state.invalid || !m_view->table()->isVisible();
-        if (!state.invalid)
-            state.offscreen =
-                !m_view->table()->viewport()->rect().intersects(m_view->table()->visualRect(index));
+        if (state.invalid) {
+            state.invisible = true;
+            return state;
+        }
+        const TableView *table = widget()->table();
+        state.invisible = !table->isVisible();
+        state.offscreen = !table->viewport()->rect().intersects(table->visualRect(index));
         return state;
     }
 
@@ -72,15 +64,14 @@ public:
     QStringList actionNames() const override { return {pressAction()}; }
     void doAction(const QString &action) override
     {
-        if (action == pressAction())
-            m_view->askToStop(cell());
+        if (action == pressAction() && widget())
+            widget()->askToStop(cell());
     }
     QStringList keyBindingsForAction(const QString &) const override { return {}; }
 
 private:
-    QModelIndex cell() const { return m_view ? m_view->stopCell(m_pid) : QModelIndex(); }
+    QModelIndex cell() const { return widget() ? widget()->stopCell(m_pid) : QModelIndex(); }
 
-    const QPointer<LiveView> m_view;
     const qint32 m_pid;
 };
 

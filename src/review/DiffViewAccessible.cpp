@@ -2,10 +2,9 @@
 #include "review/DiffViewAccessible.h"
 
 #include "review/DiffView.h"
+#include "ui/AccessiblePart.h"
 
-#include <QAccessible>
 #include <QAccessibleWidget>
-#include <QPointer>
 
 namespace {
 
@@ -24,55 +23,44 @@ QString sideText(const QString &side, const DiffCell &cell)
            visibleText(cell.text.toString());
 }
 
-class RowInterface : public QAccessibleInterface {
+class RowInterface : public AccessiblePart<DiffView> {
 public:
-    RowInterface(DiffView *view, qsizetype row) : m_view(view), m_row(row) {}
+    RowInterface(DiffView *view, qsizetype row) : AccessiblePart(view), m_row(row) {}
 
     bool isValid() const override
     {
-        return m_view && m_view->document() && m_row < m_view->document()->rowCount();
+        return widget() && widget()->document() && m_row < widget()->document()->rowCount();
     }
-    QObject *object() const override { return nullptr; }
-    QAccessibleInterface *parent() const override
-    {
-        return m_view ? QAccessible::queryAccessibleInterface(m_view) : nullptr;
-    }
-    QAccessibleInterface *child(int) const override { return nullptr; }
-    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
-    void setText(QAccessible::Text, const QString &) override {}
     QAccessible::Role role() const override { return QAccessible::ListItem; }
     QString text(QAccessible::Text text) const override
     {
         return text == QAccessible::Name && isValid()
-                   ? DiffViewAccessible::rowText(*m_view->document(), m_row)
+                   ? DiffViewAccessible::rowText(*widget()->document(), m_row)
                    : QString();
     }
     QRect rect() const override
     {
         if (!isValid())
             return {};
-        const QRect row = m_view->rowRect(m_row);
-        return {m_view->viewport()->mapToGlobal(row.topLeft()), row.size()};
+        return onScreen(widget()->viewport(), widget()->rowRect(m_row));
     }
     QAccessible::State state() const override
     {
         QAccessible::State state;
         if (!isValid())
             return state;
-        const bool current = m_view->selection().caret.row == m_row;
+        const DiffView *view = widget();
+        const bool current = view->selection().caret.row == m_row;
         state.readOnly = true;
         state.focusable = true;
         state.active = current;
-        state.focused = current && m_view->hasFocus();
-        state.offscreen = !m_view->viewport()->rect().intersects(m_view->rowRect(m_row));
+        state.focused = current && view->hasFocus();
+        state.offscreen = !view->viewport()->rect().intersects(view->rowRect(m_row));
         return state;
     }
     qsizetype row() const { return m_row; }
 
 private:
-    const QPointer<DiffView> m_view;
     const qsizetype m_row;
 };
 
