@@ -40,7 +40,6 @@ private Q_SLOTS:
         // Other programs' files are not this one's leftovers.
         QVERIFY(QDir().mkpath(m_home->path(u"tmp"_qs)));
         qputenv("TMPDIR", m_home->path(u"tmp"_qs).toUtf8());
-        writeGitIdentity();
         m_page = std::make_unique<ReviewPage>(*m_home);
         m_repository = std::make_unique<Repository>(m_page->folder());
         m_repository->write(u"kept.txt"_qs, "kept\n");

@@ -33,7 +33,6 @@ void HangingToolsTest::init()
 {
     m_home = std::make_unique<PrivateHome>();
     m_tools = std::make_unique<ToolDoubles>();
-    writeGitIdentity();
     m_page = std::make_unique<ReviewPage>(*m_home);
     Repository(m_page->folder()).write(u"new.txt"_qs, "new\n");
     writeFile(m_page->folder() + u"/CLAUDE.md"_qs, "text");

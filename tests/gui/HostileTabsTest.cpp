@@ -3,6 +3,7 @@
 // What others have written is shown as what it is on the tabs Review, Live and Context, too: names
 // of files, their content, what git says, folders of processes.
 
+#include "HostileTexts.h"
 #include "LiveScreen.h"
 #include "context/ContextEditor.h"
 #include "support/Input.h"
@@ -18,11 +19,7 @@
 
 namespace {
 
-/// As a name of a file, which can have no slash.
-QString asName(QString text)
-{
-    return text.remove(u'/');
-}
+using HostileTexts::asName;
 
 /// Shows that nothing on the tab can take text for markup.
 void verifyPlain(const QWidget *in)
@@ -39,7 +36,6 @@ class ReviewOf {
 public:
     ReviewOf(const QString &name, const QByteArray &content) : m_page(m_home)
     {
-        writeGitIdentity();
         Repository(m_page.folder()).write(name, content);
         m_page.open();
         m_page.list()->setFocus();
@@ -81,9 +77,9 @@ QImage liveTable(const QString &text)
 class HostileTabsTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void theUnseenIsNamed_data();
+    void theUnseenIsNamed_data() { HostileTexts::addUnseen(); }
     void theUnseenIsNamed();
-    void markupIsText_data();
+    void markupIsText_data() { HostileTexts::addMarkup(); }
     void markupIsText();
     void theRejectQuestionShowsTheNameAsItIs_data();
     void theRejectQuestionShowsTheNameAsItIs();
@@ -101,32 +97,12 @@ private:
     static void verifyError(const QPlainTextEdit *error);
 };
 
-void HostileTabsTest::theUnseenIsNamed_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("seen");
-    QTest::newRow("right-to-left override")
-        << u"report\u202egpj.exe"_qs << u"report[RLO]gpj.exe"_qs;
-    QTest::newRow("escape sequence") << u"x\033[2Jy"_qs << u"x[ESC][2Jy"_qs;
-    QTest::newRow("nothing wide") << u"a\u200bb"_qs << u"a[ZWS]b"_qs;
-}
-
 void HostileTabsTest::theUnseenIsNamed()
 {
     QFETCH(const QString, text);
     QFETCH(const QString, seen);
     QCOMPARE(reviewNames(text), reviewNames(seen));
     QCOMPARE(liveTable(text), liveTable(seen));
-}
-
-void HostileTabsTest::markupIsText_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("taken"); // as rich text would be shown
-    QTest::newRow("bold") << u"a <b>word</b> b"_qs << u"a word b"_qs;
-    QTest::newRow("image") << u"<img src=file:///etc/hostname> x"_qs << u" x"_qs;
-    QTest::newRow("entity") << u"a &amp; b"_qs << u"a & b"_qs;
-    QTest::newRow("mnemonic") << u"a &b"_qs << u"a b"_qs;
 }
 
 void HostileTabsTest::markupIsText()

@@ -3,6 +3,7 @@
 // What others have written (prompts, folders, names of models and of files) is shown as what it is,
 // wherever it is shown.
 
+#include "HostileTexts.h"
 #include "live/StopDialog.h"
 #include "support/Input.h"
 #include "support/LogLines.h"
@@ -22,14 +23,12 @@ class WindowWith {
 public:
     explicit WindowWith(const QString &text)
     {
-        QString folder = text;
-        folder.remove(u'/');
         const QString now =
             QDateTime(QDate::currentDate(), QTime(0, 0), Qt::UTC).toString(Qt::ISODate);
-        writeFile(
-            m_home.claude(u"-code/session.jsonl"_qs),
-            LogLines::log({LogLines::user({}, {}, u"/code/"_qs + folder), LogLines::user(now, text),
-                           LogLines::assistant(now, text, {.input = 1000})}));
+        writeFile(m_home.claude(u"-code/session.jsonl"_qs),
+                  LogLines::log({LogLines::user({}, {}, u"/code/"_qs + HostileTexts::asName(text)),
+                                 LogLines::user(now, text),
+                                 LogLines::assistant(now, text, {.input = 1000})}));
         m_window.load();
     }
 
@@ -66,7 +65,7 @@ private:
 class HostileTextTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void theUnseenIsNamed_data();
+    void theUnseenIsNamed_data() { HostileTexts::addUnseen(); }
     void theUnseenIsNamed();
     void markupIsText_data();
     void markupIsText();
@@ -75,17 +74,6 @@ private Q_SLOTS:
     void theStopQuestionShowsTheFolderAsItIs_data();
     void theStopQuestionShowsTheFolderAsItIs();
 };
-
-void HostileTextTest::theUnseenIsNamed_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("seen");
-    QTest::newRow("right-to-left override")
-        << u"report\u202egpj.exe"_qs << u"report[RLO]gpj.exe"_qs;
-    QTest::newRow("isolates") << u"\u2067a\u2069 b"_qs << u"[RLI]a[PDI] b"_qs;
-    QTest::newRow("escape sequence") << u"x\033[2Jy"_qs << u"x[ESC][2Jy"_qs;
-    QTest::newRow("nothing wide") << u"a\u200b\u200bb"_qs << u"a[ZWS][ZWS]b"_qs;
-}
 
 void HostileTextTest::theUnseenIsNamed()
 {
@@ -100,12 +88,7 @@ void HostileTextTest::theUnseenIsNamed()
 
 void HostileTextTest::markupIsText_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("taken"); // as rich text would be shown
-    QTest::newRow("bold") << u"a <b>word</b> b"_qs << u"a word b"_qs;
-    QTest::newRow("image") << u"<img src=file:///etc/hostname> x"_qs << u" x"_qs;
-    QTest::newRow("entity") << u"a &amp; b"_qs << u"a & b"_qs;
-    QTest::newRow("mnemonic") << u"a &b &&c"_qs << u"a b &c"_qs;
+    HostileTexts::addMarkup();
     QTest::newRow("changed mark") << u"a[*]b"_qs << u"ab"_qs;
 }
 
@@ -123,9 +106,8 @@ void HostileTextTest::markupIsText()
             QCOMPARE(label->textFormat(), Qt::PlainText);
     }
     const QModelIndex project = hostile.window().projects()->model()->index(0, 0);
-    QString folder = text;
-    folder.remove(u'/');
-    QCOMPARE(shownText(project.data(Qt::ToolTipRole).toString()), u"/code/"_qs + folder);
+    QCOMPARE(shownText(project.data(Qt::ToolTipRole).toString()),
+             u"/code/"_qs + HostileTexts::asName(text));
     const QAbstractItemModel *sessions = hostile.window().sessions()->model();
     QCOMPARE(shownText(sessions->index(0, 2).data(Qt::ToolTipRole).toString()), text.trimmed());
 }

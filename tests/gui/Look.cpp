@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/Look.h"
 
+#include "../../demo/DarkPalette.h"
+
 #include <QApplication>
 #include <QFont>
 #include <QStyle>
@@ -12,21 +14,6 @@ namespace {
 using FourByFour = std::array<std::array<int, 4>, 4>;
 /// The product of two in the field of four elements, where the sum is the exclusive or.
 constexpr FourByFour products{{{0, 0, 0, 0}, {0, 1, 2, 3}, {0, 2, 3, 1}, {0, 3, 1, 2}}};
-
-QPalette darkPalette()
-{
-    const QColor text(0xe4, 0xe5, 0xe7);
-    const QColor window(0x2b, 0x2d, 0x30);
-    const QColor base(0x1f, 0x20, 0x23);
-    QPalette palette(text, window.lighter(125), window.lighter(160), window.darker(180),
-                     window.lighter(140), text, text, base, window);
-    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x65, 0xca));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    for (const QPalette::ColorRole role :
-         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, QColor(0x7a, 0x7d, 0x83));
-    return palette;
-}
 
 /// Two colours and nothing between them.
 QPalette starkPalette(const QColor &text, const QColor &ground, const QColor &highlight,

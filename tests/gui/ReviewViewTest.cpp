@@ -47,7 +47,6 @@ private Q_SLOTS:
     void init()
     {
         m_home = std::make_unique<PrivateHome>();
-        writeGitIdentity();
         m_page = std::make_unique<ReviewPage>(*m_home);
     }
 

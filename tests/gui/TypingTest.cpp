@@ -51,7 +51,6 @@ private Q_SLOTS:
     void init()
     {
         m_home = std::make_unique<PrivateHome>();
-        writeGitIdentity();
         m_page = std::make_unique<ReviewPage>(*m_home);
         const Repository repository(m_page->folder());
         repository.write(u"CLAUDE.md"_qs, "new\n");

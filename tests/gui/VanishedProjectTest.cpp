@@ -60,7 +60,6 @@ void VanishedProjectTest::init()
 {
     m_home = std::make_unique<PrivateHome>();
     m_tools = std::make_unique<ToolDoubles>();
-    writeGitIdentity();
     m_page = std::make_unique<ReviewPage>(*m_home);
     const Repository repository(m_page->folder());
     repository.write(u"changed.txt"_qs, "old\n");

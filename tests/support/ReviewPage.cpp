@@ -18,6 +18,7 @@ ReviewPage::ReviewPage(const PrivateHome &home)
     : m_folder(addByHand(home, {QStringLiteral("project")}).constFirst())
     , m_window(std::make_unique<Window>(home))
 {
+    writeGitIdentity();
 }
 
 ReviewPage::~ReviewPage()

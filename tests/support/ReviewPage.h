@@ -14,7 +14,7 @@ class QMessageBox;
 /// The Review tab of the program's window, for a project in a private home.
 class ReviewPage {
 public:
-    /// Makes the project's folder, which is no repository yet.
+    /// Makes the project's folder, which is no repository yet, and tells git who commits.
     explicit ReviewPage(const PrivateHome &home);
     /// Closes the window and waits for what it has begun.
     ~ReviewPage();
