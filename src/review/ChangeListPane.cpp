@@ -51,6 +51,7 @@ ChangeListPane::ChangeListPane(QWidget *parent)
     layout->addWidget(buildHeader());
     layout->addWidget(new Separator(Qt::Horizontal, this));
     layout->addWidget(m_body, 1);
+    layout->addWidget(buildFooter());
 }
 
 QWidget *ChangeListPane::buildHeader()
@@ -78,6 +79,22 @@ QWidget *ChangeListPane::buildHeader()
     layout->addWidget(m_count, 1);
     layout->addWidget(m_refreshButton);
     return header;
+}
+
+QWidget *ChangeListPane::buildFooter()
+{
+    m_footer = new QWidget(this);
+    auto *note = new TextLabel(QStringLiteral("More files have changed than are listed here."),
+                               {.size = TextStyle::Caption,
+                                .tone = TextLabel::Tone::Warning,
+                                .overflow = TextLabel::Overflow::Wrap},
+                               m_footer);
+    note->setObjectName(QStringLiteral("cutNote"));
+    auto *layout = new QVBoxLayout(m_footer);
+    layout->setContentsMargins(padding, padding, padding, padding);
+    layout->addWidget(note);
+    m_footer->hide();
+    return m_footer;
 }
 
 void ChangeListPane::buildList()
@@ -118,6 +135,11 @@ void ChangeListPane::setFiles(const QList<GitFile> &files, const std::optional<Q
     }
     m_count->setText(QStringLiteral("%1 changed").arg(files.size()));
     m_body->setCurrentWidget(files.isEmpty() ? m_cleanPage : m_list);
+}
+
+void ChangeListPane::setCut(bool cut)
+{
+    m_footer->setVisible(cut);
 }
 
 std::optional<QString> ChangeListPane::selectedPath() const

@@ -22,6 +22,8 @@ public:
 
     /// Takes over the files and selects the one with the path, without a signal.
     void setFiles(const QList<GitFile> &files, const std::optional<QString> &selected);
+    /// Says below the list that it is not the whole.
+    void setCut(bool cut);
     std::optional<QString> selectedPath() const;
     void setRefreshEnabled(bool enabled);
     /// The header is at least as high as that.
@@ -38,10 +40,12 @@ protected:
 
 private:
     QWidget *buildHeader();
+    QWidget *buildFooter();
     void buildList();
 
     ChangeListModel *m_model;
     QWidget *m_header = nullptr;
+    QWidget *m_footer = nullptr;
     TextLabel *m_count = nullptr;
     QToolButton *m_refreshButton = nullptr;
     QListView *m_list;

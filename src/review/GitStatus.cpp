@@ -102,6 +102,7 @@ GitSnapshot gitStatusSnapshot(const QString &projectPath, const std::stop_token 
                               QStringLiteral("-z"), QStringLiteral("-uall")});
     if (status.isCut) // in the middle of a name, which could be that of another file
         status.out.truncate(status.out.lastIndexOf(QChar::Null) + 1);
+    snapshot.isCut = status.isCut;
     snapshot.files = parseStatus(status.out);
     return snapshot;
 }

@@ -12,6 +12,7 @@ struct GitSnapshot {
     bool isRepo = false;  ///< whether git works in the folder at all
     QList<GitFile> files; ///< the changed files, in git's order
     bool hasHead = false; ///< whether there is a commit yet
+    bool isCut = false;   ///< whether there are more files than are read
 
     bool operator==(const GitSnapshot &) const = default;
 };

@@ -188,6 +188,7 @@ void ReviewView::apply(const GitSnapshot &snapshot)
     if (!m_selected && !m_files.isEmpty())
         m_selected = m_files.constFirst().path;
     m_changes->setFiles(m_files, m_selected);
+    m_changes->setCut(snapshot.isCut);
     Background::destroy(filesBefore); // there may be very many
     m_pages->setCurrentWidget(m_isRepo ? m_review : m_noRepo);
     loadDiff(m_selected == before);

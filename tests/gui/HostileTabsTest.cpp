@@ -85,6 +85,7 @@ private Q_SLOTS:
     void theRejectQuestionShowsTheNameAsItIs();
     void whatGitSaysIsText_data();
     void whatGitSaysIsText();
+    void aListThatIsCutOffSaysSo();
     void whatAHookSaysIsText_data() { whatGitSaysIsText_data(); }
     void whatAHookSaysIsText();
     void aMegabyteInOneLineOfADiff();
@@ -203,6 +204,25 @@ void HostileTabsTest::whatGitSaysIsText()
     review.page().settle();
     verifyError(find<QPlainTextEdit>(review.page().window().detail(), u"error"_qs));
     QCOMPARE(review.page().window().view().minimumSizeHint().width(), smallest.width());
+}
+
+void HostileTabsTest::aListThatIsCutOffSaysSo()
+{
+    ToolDoubles tools;
+    ReviewOf review(u"file"_qs, "x\n");
+    const auto *note = find<QLabel>(review.page().window().detail(), u"cutNote"_qs);
+    QVERIFY(!note->isVisible());
+    tools.playGit(u"status"_qs, u"name=$(head -c 60000 /dev/zero | tr '\\0' x); "
+                                "for i in $(seq 1500); do printf '?? %s\\0' $i$name; done"_qs);
+    Input::key(Qt::Key_F5);
+    review.page().settle();
+    QVERIFY(review.page().list()->model()->rowCount() > 1000);
+    QVERIFY(note->isVisible());
+    tools.giveBack(u"git"_qs);
+    Input::key(Qt::Key_F5);
+    review.page().settle();
+    QCOMPARE(review.page().files().size(), 1);
+    QVERIFY(!note->isVisible());
 }
 
 void HostileTabsTest::whatAHookSaysIsText()
