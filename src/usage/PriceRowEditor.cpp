@@ -38,9 +38,8 @@ int PriceRowEditor::keyWidth()
 
 int PriceRowEditor::priceWidth()
 {
-    // The widest title may reach into the space between the columns.
     const QFontMetricsF metrics(textFont(TextStyle::Caption, true));
-    return qMax(80, qCeil(metrics.horizontalAdvance(QStringLiteral("Cache write"))) + 1 - spacing);
+    return qMax(80, qCeil(metrics.horizontalAdvance(QStringLiteral("Cache write"))));
 }
 
 void PriceRowEditor::fitFields()

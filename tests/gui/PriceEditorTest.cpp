@@ -7,13 +7,16 @@
 #include "support/Sessions.h"
 #include "support/Window.h"
 #include "support/WindowTestMain.h"
+#include "usage/PriceRowEditor.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScrollArea>
 #include <QSignalSpy>
 #include <QToolButton>
@@ -123,6 +126,20 @@ private Q_SLOTS:
             QCOMPARE(placeIn(page.dialog(), title).left(), field.left());
         }
         QCOMPARE(page.field(0, Page::Key)->placeholderText(), u"key"_qs);
+    }
+
+    void largeTitlesDoNotRunIntoEachOther()
+    {
+        const QFont usual = QApplication::font();
+        const auto restore = qScopeGuard([&] { QApplication::setFont(usual); });
+        QFont large = usual;
+        large.setPointSize(16);
+        QApplication::setFont(large);
+        const Page page = open();
+        for (const QString &text : {u"Cache write"_qs, u"Cache read"_qs}) {
+            const QLabel *title = labelWith(page.dialog(), text);
+            QVERIFY(title->sizeHint().width() <= title->width() - PriceRowEditor::spacing);
+        }
     }
 
     void isLaidOutWithItsPaddings()
