@@ -199,6 +199,7 @@ void Sidebar::chooseFolder()
 {
     auto *chooser = new QFileDialog(this);
     chooser->setAttribute(Qt::WA_DeleteOnClose);
+    chooser->setWindowTitle(QStringLiteral("Add Project"));
     chooser->setFileMode(QFileDialog::Directory);
     chooser->setOption(QFileDialog::ShowDirsOnly);
     chooser->setLabelText(QFileDialog::Accept, QStringLiteral("Add Project"));

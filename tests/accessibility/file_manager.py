@@ -8,7 +8,7 @@
 import sys
 from pathlib import Path
 
-from gi.repository import Gio, GLib
+from bus_service import serve
 
 NAME = "org.freedesktop.FileManager1"
 INTERFACE = f"""<node><interface name="{NAME}"><method name="ShowItems">
@@ -16,24 +16,12 @@ INTERFACE = f"""<node><interface name="{NAME}"><method name="ShowItems">
 </method></interface></node>"""
 
 
-def main():
-    loop = GLib.MainLoop()
-
-    def answer(connection, sender, path, interface, method, arguments, invocation):
-        uris, startup_id = arguments.unpack()
-        Path(sys.argv[1]).write_text("\n".join([method, *uris, startup_id]), encoding="utf-8")
-        invocation.return_value(None)
-        invocation.get_connection().flush_sync()
-        loop.quit()
-
-    def register(connection, name):
-        interface = Gio.DBusNodeInfo.new_for_xml(INTERFACE).interfaces[0]
-        connection.register_object("/org/freedesktop/FileManager1", interface, answer, None, None)
-
-    Gio.bus_own_name(Gio.BusType.SESSION, NAME, Gio.BusNameOwnerFlags.NONE, register, None,
-                     lambda connection, name: loop.quit())
-    loop.run()
+def answer(connection, sender, arguments, invocation):
+    uris, startup_id = arguments
+    Path(sys.argv[1]).write_text("\n".join(["ShowItems", *uris, startup_id]), encoding="utf-8")
+    invocation.return_value(None)
+    return True
 
 
 if __name__ == "__main__":
-    main()
+    serve(NAME, "/org/freedesktop/FileManager1", INTERFACE, answer)

@@ -8,6 +8,7 @@ from tree import wait_for
 from window import WindowTest
 
 FILE_MANAGER = Path(__file__).with_name("file_manager.py")
+PORTAL = Path(__file__).with_name("portal.py")
 
 
 class ProjectsTest(WindowTest):
@@ -45,7 +46,7 @@ class ProjectsTest(WindowTest):
     def test_a_project_is_revealed_in_the_file_manager(self):
         told = self.desktop.home / "told"
         self.desktop.offer_service("org.freedesktop.FileManager1",
-                                   f"/usr/bin/python3 {FILE_MANAGER} {told}")
+                                   f"/usr/bin/python3 -B {FILE_MANAGER} {told}")
         self.addCleanup(self.desktop.withdraw_service, "org.freedesktop.FileManager1")
         self.choose("koyomi-暦")
         self.menu("Reveal in Finder")
@@ -76,6 +77,30 @@ class ProjectsTest(WindowTest):
         return json.loads(file.read_text(encoding="utf-8"))
 
 
+
+
+class OwnChooserTest(WindowTest):
+    """On a desktop that has a chooser of its own."""
+
+    def lay_home(self):
+        super().lay_home()
+        self.told = self.desktop.home / "told"
+        self.chosen = self.folder("new one")
+        self.chosen.mkdir()
+        self.desktop.offer_service("org.freedesktop.portal.Desktop",
+                                   f"/usr/bin/python3 -B {PORTAL} {self.told} '{self.chosen}'")
+        self.addCleanup(self.desktop.withdraw_service, "org.freedesktop.portal.Desktop")
+        self.desktop.environment["QT_QPA_PLATFORMTHEME"] = "xdgdesktopportal"
+        self.addCleanup(self.desktop.environment.pop, "QT_QPA_PLATFORMTHEME")
+
+    def test_a_folder_is_chosen_in_it(self):
+        self.window.get("push button", "Add Project").do()
+        wait_for(lambda: self.window.name == "new one", "the new project")
+        told = json.loads(self.told.read_text(encoding="utf-8"))
+        parent = told.pop("parent")  # above which it is to stay; Wayland has no names of windows
+        self.assertTrue(self.desktop.wayland or parent.startswith("x11:"), parent)
+        self.assertEqual(told, {"title": "Add Project", "accept": "Add Project",
+                                "directory": True})
 
 
 class NoProjectsTest(WindowTest):
