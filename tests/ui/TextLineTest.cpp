@@ -8,9 +8,14 @@
 #include "review/DiffView.h"
 #include "support/WindowTestMain.h"
 #include "ui/TextLabel.h"
+#include "ui/ToolTips.h"
 
+#include <QApplication>
 #include <QImage>
 #include <QPainter>
+#include <QToolTip>
+
+#include <algorithm>
 
 namespace {
 
@@ -88,6 +93,34 @@ private Q_SLOTS:
         TextLabel right(text, {.overflow = overflow});
         right.setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         QCOMPARE(shown(label, Qt::RightToLeft), shown(right, Qt::LeftToRight));
+    }
+
+    void aToolTipReadsTheSame_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("of the program") << u"Look for changes again (F5)"_qs;
+        QTest::newRow("from outside") << plainToolTip(u"/home/code/(one)."_qs);
+    }
+
+    void aToolTipReadsTheSame()
+    {
+        QFETCH(const QString, text);
+        const auto toolTip = [&](Qt::LayoutDirection direction) {
+            QGuiApplication::setLayoutDirection(direction);
+            QWidget widget;
+            QToolTip::showText(QPoint(), text, &widget);
+            const QWidgetList windows = QApplication::topLevelWidgets();
+            const auto tip = std::find_if(windows.begin(), windows.end(), [](QWidget *window) {
+                return window->inherits("QTipLabel") && window->isVisible();
+            });
+            const QImage image = tip == windows.end() ? QImage() : (*tip)->grab().toImage();
+            QToolTip::hideText();
+            delete (tip == windows.end() ? nullptr : *tip);
+            return image;
+        };
+        const QImage usual = toolTip(Qt::LeftToRight);
+        QVERIFY(!usual.isNull());
+        QCOMPARE(toolTip(Qt::RightToLeft), usual);
     }
 
     void aDiffReadsTheSame()
