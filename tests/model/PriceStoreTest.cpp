@@ -50,8 +50,8 @@ private Q_SLOTS:
     void missingPricesYieldTheDefaults();
     void badPricesYieldTheDefaults_data();
     void badPricesYieldTheDefaults();
-    void specialFileNamedPricesYieldsTheDefaults_data();
-    void specialFileNamedPricesYieldsTheDefaults();
+    void specialFilesCountAsMissing_data();
+    void specialFilesCountAsMissing();
     void filesThatMayNotBeReadAreIgnored();
     void hugeFilesAreIgnored_data();
     void hugeFilesAreIgnored();
@@ -160,19 +160,21 @@ void PriceStoreTest::badPricesYieldTheDefaults()
     QCOMPARE(readFile(pricesFile()), content); // the bad file is left alone
 }
 
-void PriceStoreTest::specialFileNamedPricesYieldsTheDefaults_data()
+void PriceStoreTest::specialFilesCountAsMissing_data()
 {
     QTest::addColumn<QString>("name");
     for (const QString &name : specialFiles())
         QTest::newRow(qPrintable(name)) << name;
 }
 
-void PriceStoreTest::specialFileNamedPricesYieldsTheDefaults()
+void PriceStoreTest::specialFilesCountAsMissing()
 {
     QFETCH(QString, name);
     makeSpecialFiles(m_home->support(), QString());
     QVERIFY(QFile::rename(m_home->support(name), pricesFile()));
     QVERIFY(PriceStore::loadPrices() == PriceStore::defaults());
+    QVERIFY(QFile::rename(pricesFile(), projectsFile()));
+    QVERIFY(PriceStore::loadAdded().isEmpty());
 }
 
 void PriceStoreTest::filesThatMayNotBeReadAreIgnored()
