@@ -64,6 +64,21 @@ QImage reviewDiff(const QByteArray &content)
     return ReviewOf(u"file"_qs, content).diff();
 }
 
+/// The entry of the Context tab for a rule with that name.
+QImage contextEntry(const QString &name)
+{
+    ReviewOf review(u"file"_qs, "x\n");
+    // So long that nothing is seen of the folder, which is another one every time.
+    writeFile(review.page().folder() + u"/.cursor/rules/"_qs + name + u"-rule"_qs.repeated(8), "x");
+    Input::key(Qt::Key_5, Qt::ControlModifier);
+    review.page().settle();
+    const auto *files = find<QListView>(review.page().window().detail(), u"contextFiles"_qs);
+    const QModelIndex rule = files->currentIndex();
+    if (!shownText(rule.data(Qt::ToolTipRole).toString()).endsWith(u"-rule"_qs))
+        qFatal("another file is selected");
+    return files->viewport()->grab(files->visualRect(rule)).toImage();
+}
+
 /// The Live table with an agent whose folder and uptime are these.
 QImage liveTable(const QString &text)
 {
@@ -103,6 +118,7 @@ void HostileTabsTest::theUnseenIsNamed()
     QFETCH(const QString, text);
     QFETCH(const QString, seen);
     QCOMPARE(reviewNames(text), reviewNames(seen));
+    QCOMPARE(contextEntry(text), contextEntry(seen));
     QCOMPARE(liveTable(text), liveTable(seen));
 }
 
