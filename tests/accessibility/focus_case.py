@@ -58,7 +58,7 @@ class FocusTest(WindowTest):
                           ("page tab list", tab), *stops])
 
     def test_sessions(self):
-        wait_for(lambda: self.window.find("table", "Sessions").rows, "the sessions")
+        wait_for(lambda: self.window.get("table", "Sessions").rows, "the sessions")
         self.compare("Sessions", [("push button", "Price Table…"), ("push button", "Reload"),
                                   ("table", "Sessions")])
 
