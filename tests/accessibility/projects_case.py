@@ -77,8 +77,6 @@ class ProjectsTest(WindowTest):
         return json.loads(file.read_text(encoding="utf-8"))
 
 
-
-
 class OwnChooserTest(WindowTest):
     """On a desktop that has a chooser of its own."""
 

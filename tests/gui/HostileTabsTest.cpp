@@ -119,6 +119,7 @@ void HostileTabsTest::theUnseenIsNamed()
     QFETCH(const QString, seen);
     QCOMPARE(reviewNames(text), reviewNames(seen));
     QCOMPARE(contextEntry(text), contextEntry(seen));
+    QVERIFY(contextEntry(seen) != contextEntry(u"harmless"_qs));
     QCOMPARE(liveTable(text), liveTable(seen));
 }
 
